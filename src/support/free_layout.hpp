@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: MIT
+// Free layout: the items of a line as a Fortran processor's list-directed output renders them, so
+// that logs and listings of mixed programs line up.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace csr_matrix_mod {
+
+// Appends one line's items to a text. Every line begins with one blank; a blank separates two items
+// unless both are text.
+class free_layout {
+ public:
+  explicit free_layout(std::string& line) : line_(line) { line_ += ' '; }
+
+  void put(std::string_view text);
+  void put(const char* text) { put(std::string_view(text)); }
+  void put(std::int32_t value);  // 11 columns
+  void put(bool value);          // T or F
+
+ private:
+  enum class item { none, text, other };
+
+  void separate(item next);
+
+  std::string& line_;
+  item last_ = item::none;
+};
+
+}  // namespace csr_matrix_mod

@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: MIT
+// Temporary storage of one call, released on every way out, a throwing stop handler included.
+#pragma once
+
+#include "memory.hpp"
+#include "stop.hpp"
+
+#include <algorithm>
+#include <cassert>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace csr_matrix_mod {
+
+enum class contents { undefined, zero };
+
+// 1-based, of `length` elements (0 when negative).
+template <class T>
+class scratch {
+ public:
+  scratch() noexcept = default;
+
+  // Stops with "allocation error in ROUTINE" when there is no storage to be had.
+  scratch(std::int64_t length, contents initial, std::string_view routine) {
+    if (!allocate(length, initial)) stop("allocation error in " + std::string(routine));
+  }
+
+  [[nodiscard]] bool allocate(std::int64_t length, contents initial) noexcept {
+    length_ = std::max<std::int64_t>(length, 0);
+    const std::size_t bytes = static_cast<std::size_t>(length_) * sizeof(T);
+    storage_.reset(static_cast<T*>(initial == contents::zero ? detail::obtain_zeroed(bytes)
+                                                             : detail::obtain(bytes)));
+    return storage_ != nullptr;
+  }
+
+  [[nodiscard]] T& operator()(std::int64_t i) noexcept {
+    assert(1 <= i && i <= length_);
+    return storage_.get()[i - 1];
+  }
+
+  [[nodiscard]] T* data() noexcept { return storage_.get(); }
+  [[nodiscard]] T* begin() noexcept { return data(); }
+  [[nodiscard]] T* end() noexcept { return data() + length_; }
+  [[nodiscard]] std::int64_t length() const noexcept { return length_; }
+
+ private:
+  struct giver {
+    void operator()(T* block) const noexcept { detail::give_back(block); }
+  };
+
+  std::unique_ptr<T, giver> storage_;
+  std::int64_t length_ = 0;
+};
+
+}  // namespace csr_matrix_mod

@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: MIT
+// How the library speaks and how it stops.
+#pragma once
+
+#include "free_layout.hpp"
+
+#include <string>
+#include <string_view>
+
+namespace csr_matrix_mod {
+
+// Stops the program with `message`, by way of the handler if one is set. Whoever calls this holds
+// no lock: a handler may throw, or call back into the library.
+[[noreturn]] void stop(std::string_view message);
+
+// For stops whose reason has been written to standard output already.
+inline constexpr std::string_view blank_message = " ";
+
+// One line on standard output, as it stands.
+void print_line(std::string_view line);
+
+// One line on standard output in free layout.
+template <class... Item>
+void print_free(const Item&... items) {
+  std::string line;
+  free_layout layout(line);
+  (layout.put(items), ...);
+  print_line(line);
+}
+
+}  // namespace csr_matrix_mod

@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: MIT
+// Another program as its user sees it: exit status and both streams.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace tests {
+
+struct process_result {
+  int status;  // exit status; 128 + signal when a signal ended it
+  std::string out;
+  std::string err;
+};
+
+// argv[0] is looked up in PATH; standard input is empty.
+process_result run_process(const std::vector<std::string>& argv);
+
+}  // namespace tests
