@@ -1,0 +1,169 @@
+// SPDX-License-Identifier: MIT
+#include "stream.hpp"
+
+#include "file_error.hpp"
+
+#include <algorithm>
+#include <atomic>
+#include <cstring>
+#include <filesystem>
+
+namespace csr_matrix_mod {
+
+namespace {
+
+// Large enough that a call to the system is rare, small enough to stay in the cache.
+constexpr std::size_t usual_buffer_size = std::size_t{1} << 18;
+std::atomic<std::size_t> current_buffer_size{usual_buffer_size};
+
+std::string_view without_return(std::string_view line) {
+  if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
+  return line;
+}
+
+}  // namespace
+
+void set_buffer_size(std::size_t bytes) noexcept {
+  current_buffer_size.store(bytes != 0 ? bytes : usual_buffer_size);
+}
+
+std::size_t buffer_size() noexcept { return current_buffer_size.load(); }
+
+stream open_stream(std::string_view name, direction to) {
+  const bool reads = to == direction::reading;
+  const std::string_view failure = reads ? "cannot open for reading" : "cannot open for writing";
+  const std::string path(name);
+  std::error_code ignored;
+  if (std::filesystem::is_directory(path, ignored)) stop_at_file(name, failure, EISDIR);
+  errno = 0;
+  stream file(std::fopen(path.c_str(), reads ? "rb" : "wb"));
+  if (!file) stop_at_file(name, failure, errno);
+  std::setvbuf(file.get(), nullptr, _IONBF, 0);
+  return file;
+}
+
+byte_source::byte_source(std::FILE* file, std::string_view name)
+    : file_(file), name_(name), buffer_(buffer_size()) {}
+
+std::size_t byte_source::read_file(void* to, std::size_t bytes) {
+  errno = 0;
+  const std::size_t got = std::fread(to, 1, bytes, file_);
+  if (got < bytes && std::ferror(file_) != 0) stop_at_file(name_, "cannot read", errno);
+  return got;
+}
+
+bool byte_source::refill() {
+  next_ = 0;
+  end_ = read_file(buffer_.data(), buffer_.size());
+  return end_ != 0;
+}
+
+bool byte_source::next_line(std::string_view& line) {
+  kept_.clear();
+  bool begun = false;
+  while (next_ != end_ || refill()) {
+    begun = true;
+    const char* const first = buffer_.data() + next_;
+    const std::size_t held = end_ - next_;
+    const void* const feed = std::memchr(first, '\n', held);
+    const std::size_t length =
+        feed != nullptr ? static_cast<std::size_t>(static_cast<const char*>(feed) - first) : held;
+    const std::string_view piece(first, std::min(length, kept_of_a_line - kept_.size()));
+    next_ += length;
+    if (feed != nullptr) {
+      ++next_;
+      ++line_number_;
+      line_unfinished_ = false;
+      line = without_return(kept_.empty() ? piece : std::string_view(kept_.append(piece)));
+      return true;
+    }
+    kept_.append(piece);
+  }
+  if (!begun) return false;
+  ++line_number_;
+  line_unfinished_ = true;
+  line = without_return(kept_);
+  return true;
+}
+
+std::size_t byte_source::read(void* to, std::size_t bytes) {
+  char* const first = static_cast<char*>(to);
+  std::size_t got = 0;
+  while (got < bytes) {
+    if (next_ == end_) {
+      // What is larger than the buffer goes past it.
+      if (bytes - got >= buffer_.size()) return got + read_file(first + got, bytes - got);
+      if (!refill()) return got;
+    }
+    const std::size_t piece = std::min(bytes - got, end_ - next_);
+    std::memcpy(first + got, buffer_.data() + next_, piece);
+    next_ += piece;
+    got += piece;
+  }
+  return got;
+}
+
+bool byte_source::skip(std::int64_t bytes) {
+  while (bytes > 0) {
+    if (next_ == end_ && !refill()) return false;
+    const auto piece = std::min(bytes, static_cast<std::int64_t>(end_ - next_));
+    next_ += static_cast<std::size_t>(piece);
+    bytes -= piece;
+  }
+  return true;
+}
+
+std::int64_t byte_source::bytes_left() {
+  std::error_code unknown;
+  if (std::filesystem::is_regular_file(name_, unknown)) {
+    const long here = std::ftell(file_);
+    const std::uintmax_t size = std::filesystem::file_size(name_, unknown);
+    if (here >= 0 && !unknown && size >= static_cast<std::uintmax_t>(here))
+      return static_cast<std::int64_t>(size) - here + static_cast<std::int64_t>(end_ - next_);
+  }
+  for (;;) {
+    if (end_ == buffer_.size()) buffer_.resize(std::max(2 * buffer_.size(), usual_buffer_size));
+    const std::size_t got = read_file(buffer_.data() + end_, buffer_.size() - end_);
+    if (got == 0) return static_cast<std::int64_t>(end_ - next_);
+    end_ += got;
+  }
+}
+
+void byte_source::refuse(std::string_view what) const { stop_at_file(name_, what); }
+
+void byte_source::refuse_line(std::string_view what) const {
+  stop_at_file(name_, "line " + std::to_string(line_number_) + ": " + std::string(what));
+}
+
+byte_sink::byte_sink(std::FILE* file, std::string_view name)
+    : file_(file), name_(name), buffer_(buffer_size()) {}
+
+void byte_sink::write_file(const void* from, std::size_t bytes) {
+  errno = 0;
+  if (std::fwrite(from, 1, bytes, file_) != bytes) stop_at_file(name_, "cannot write", errno);
+}
+
+char* byte_sink::room(std::size_t bytes) {
+  if (buffer_.size() - used_ < bytes) flush();
+  if (buffer_.size() < bytes) buffer_.resize(bytes);
+  return buffer_.data() + used_;
+}
+
+void byte_sink::write(const void* from, std::size_t bytes) {
+  if (bytes == 0) return;
+  if (bytes >= buffer_.size()) {
+    flush();
+    write_file(from, bytes);
+    return;
+  }
+  std::memcpy(room(bytes), from, bytes);
+  advance(bytes);
+}
+
+void byte_sink::flush() {
+  const std::size_t bytes = used_;
+  used_ = 0;
+  if (bytes != 0) write_file(buffer_.data(), bytes);
+}
+
+}  // namespace csr_matrix_mod
