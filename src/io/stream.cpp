@@ -113,14 +113,20 @@ bool byte_source::skip(std::int64_t bytes) {
   return true;
 }
 
-std::int64_t byte_source::bytes_left() {
+// The bytes from the present position of a regular file to its end; nothing for a pipe or a device.
+std::optional<std::int64_t> byte_source::file_bytes_left() {
   std::error_code unknown;
-  if (std::filesystem::is_regular_file(name_, unknown)) {
-    const long here = std::ftell(file_);
-    const std::uintmax_t size = std::filesystem::file_size(name_, unknown);
-    if (here >= 0 && !unknown && size >= static_cast<std::uintmax_t>(here))
-      return static_cast<std::int64_t>(size) - here + static_cast<std::int64_t>(end_ - next_);
-  }
+  if (!std::filesystem::is_regular_file(name_, unknown)) return {};
+  const long here = std::ftell(file_);
+  if (here < 0 || std::fseek(file_, 0, SEEK_END) != 0) return {};
+  const long end = std::ftell(file_);
+  if (std::fseek(file_, here, SEEK_SET) != 0) stop_at_file(name_, "cannot read", errno);
+  return std::max(end - here, 0L);
+}
+
+std::int64_t byte_source::bytes_left() {
+  if (const auto in_file = file_bytes_left())
+    return *in_file + static_cast<std::int64_t>(end_ - next_);
   for (;;) {
     if (end_ == buffer_.size()) buffer_.resize(std::max(2 * buffer_.size(), usual_buffer_size));
     const std::size_t got = read_file(buffer_.data() + end_, buffer_.size() - end_);

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -61,6 +62,7 @@ class byte_source {
  private:
   [[nodiscard]] bool refill();
   [[nodiscard]] std::size_t read_file(void* to, std::size_t bytes);
+  [[nodiscard]] std::optional<std::int64_t> file_bytes_left();
 
   std::FILE* file_;
   std::string name_;
