@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: MIT
+// The transpose: a counting sort of the entries by column.
+#include "../support/entry_count.hpp"
+#include "../support/scratch.hpp"
+#include "row_starts.hpp"
+
+#include <csr_matrix_mod/convert.hpp>
+
+#include <numeric>
+
+namespace csr_matrix_mod {
+
+namespace {
+
+constexpr std::string_view routine = "csr_matrix_transpose";
+
+void count_columns(const csr_matrix& mat, scratch<std::int32_t>& count) {
+  const std::int32_t* const starts = mat.ia.data();
+  const std::int32_t* const columns = mat.ja.data();
+  std::int32_t* const column_count = count.data();
+  for (std::int64_t i = 1; i <= mat.n; ++i) {
+    const std::int32_t next_row = starts[i];
+    for (std::int32_t k = starts[i - 1]; k < next_row; ++k) ++column_count[columns[k - 1] - 1];
+  }
+}
+
+// Rows are visited in order, so every row of the transpose comes out sorted.
+void scatter(const csr_matrix& mat, csr_matrix& mat_t, scratch<std::int32_t>& cursors) {
+  const std::int32_t* const starts = mat.ia.data();
+  const std::int32_t* const columns = mat.ja.data();
+  const double* const values = mat.type == matrix_real ? mat.a.data() : nullptr;
+  std::int32_t* const columns_t = mat_t.ja.data();
+  double* const values_t = mat_t.a.data();
+  std::int32_t* const cursor = cursors.data();
+  for (std::int64_t i = 1; i <= mat.n; ++i) {
+    const std::int32_t next_row = starts[i];
+    for (std::int32_t k = starts[i - 1]; k < next_row; ++k) {
+      const std::int32_t p = cursor[columns[k - 1] - 1]++;
+      columns_t[p - 1] = static_cast<std::int32_t>(i);
+      if (values != nullptr) values_t[p - 1] = values[k - 1];
+    }
+  }
+}
+
+}  // namespace
+
+void csr_matrix_transpose(const csr_matrix& mat, csr_matrix& mat_t,
+                          std::optional<std::int32_t> ncol) {
+  const std::int32_t rows = ncol.value_or(mat.m);
+
+  // Count: a column of the matrix is a row of its transpose.
+  scratch<std::int32_t> count(rows, contents::zero, routine);
+  csr_matrix_initial(rows, mat_t, mat.n,
+                     mat.type == matrix_structure_only ? matrix_structure_only : matrix_real);
+  count_columns(mat, count);
+  const std::int32_t nnz =
+      entry_count(std::accumulate(count.begin(), count.end(), std::int64_t{0}), routine);
+
+  csr_matrix_allocate(mat_t, nnz);
+  row_starts_from_counts(mat_t, count);
+  scatter(mat, mat_t, count);
+}
+
+}  // namespace csr_matrix_mod
