@@ -163,8 +163,11 @@ std::int32_t csr_matrix_num_row_entries(const csr_matrix& mat, std::int32_t i);
 void csr_matrix_setsize_row(csr_matrix& mat, std::int32_t n);
 
 /// Sets `n`, as `csr_matrix_setsize_row` does: callers rely on it, so it stays. To change the
-/// number of columns, assign to `mat.m`. Requires: nothing. Ensures: `n` becomes the argument; `m`
-/// is kept. Cost: constant. Stops: never.
+/// number of columns, assign to `mat.m`.
+/// Requires: nothing.
+/// Ensures: `n` becomes the argument; `m` is kept.
+/// Cost: constant.
+/// Stops: never.
 void csr_matrix_setsize_column(csr_matrix& mat, std::int32_t m);
 
 /// Sets the storage kind in the record.
@@ -179,7 +182,9 @@ void csr_matrix_set_type(csr_matrix& mat, matrix_type type);
 /// Ensures: nothing when well formed, else the first broken rule in words: sizes not negative, `ia`
 /// of n+1 elements at least, ia(1) = 1, row starts that do not decrease, room for the entries in
 /// `ja` and (unless structure only) in `a`, columns within 1 to m. Sorting and repeats are not
-/// judged. Cost: O(n + entries). Stops: never.
+/// judged.
+/// Cost: O(n + entries).
+/// Stops: never.
 [[nodiscard]] std::optional<std::string> csr_matrix_check(const csr_matrix& mat);
 
 }  // namespace csr_matrix_mod
