@@ -1,0 +1,81 @@
+// SPDX-License-Identifier: MIT
+// Between a matrix and coordinate lists: row, column and value of each entry.
+#include "../support/entry_count.hpp"
+#include "../support/scratch.hpp"
+#include "../support/stop.hpp"
+#include "row_starts.hpp"
+
+#include <csr_matrix_mod/convert.hpp>
+
+#include <algorithm>
+#include <utility>
+
+namespace csr_matrix_mod {
+
+namespace {
+
+constexpr std::string_view from_lists = "coo_to_csr_format";
+
+std::int32_t largest(const std::int32_t* columns, std::int32_t nnz) {
+  return nnz > 0 ? *std::max_element(columns, columns + nnz) : 0;
+}
+
+}  // namespace
+
+void csr_matrix_to_coo(const csr_matrix& mat, std::int32_t& nnz, array_ref<std::int32_t>& row,
+                       array_ref<std::int32_t>& col, array_ref<double>& val) {
+  nnz = csr_matrix_num_nz(mat);
+
+  // Allocate: all three lists or none.
+  array_ref<std::int32_t> rows;
+  array_ref<std::int32_t> cols;
+  array_ref<double> vals;
+  if (!rows.allocate(nnz) || !cols.allocate(nnz) || !vals.allocate(nnz))
+    stop("allocation error in csr_matrix_to_coo");
+  row = std::move(rows);
+  col = std::move(cols);
+  val = std::move(vals);
+
+  // Fill: the lists follow the rows, whatever position the first row starts at.
+  std::int32_t p = 1;
+  for (std::int64_t i = 1; i <= mat.n; ++i) {
+    const std::int32_t first = mat.ia(i);
+    const std::int32_t length = mat.ia(i + 1) - first;
+    std::fill_n(row.data() + (p - 1), length, static_cast<std::int32_t>(i));
+    std::copy_n(mat.ja.data() + (first - 1), length, col.data() + (p - 1));
+    if (mat.type == matrix_real)
+      std::copy_n(mat.a.data() + (first - 1), length, val.data() + (p - 1));
+    p += length;
+  }
+  nnz = p - 1;
+}
+
+void coo_to_csr_format(std::int32_t n, std::int32_t nnz, array_view<const std::int32_t> row,
+                       array_view<const std::int32_t> col, array_view<const double> val,
+                       csr_matrix& mat, std::optional<matrix_type> type,
+                       std::optional<std::int32_t> m) {
+  nnz = entry_count(nnz, from_lists);
+  const std::int32_t* const rows = row.data();
+  const std::int32_t* const columns = col.data();
+  csr_matrix_initial(n, mat, m ? *m : largest(columns, nnz), type.value_or(matrix_real));
+
+  // Count the entries of each row; the row starts follow.
+  scratch<std::int32_t> count(n, contents::zero, from_lists);
+  std::int32_t* const cursor = count.data();
+  for (std::int32_t k = 1; k <= nnz; ++k) ++cursor[rows[k - 1] - 1];
+  row_starts_from_counts(mat, count);
+
+  csr_matrix_allocate(mat, nnz);
+
+  // Fill in list order, so that each row keeps the order of the lists.
+  const double* const values = mat.type == matrix_real ? val.data() : nullptr;
+  std::int32_t* const new_columns = mat.ja.data();
+  double* const new_values = mat.a.data();
+  for (std::int32_t k = 1; k <= nnz; ++k) {
+    const std::int32_t p = cursor[rows[k - 1] - 1]++;
+    new_columns[p - 1] = columns[k - 1];
+    if (values != nullptr) new_values[p - 1] = values[k - 1];
+  }
+}
+
+}  // namespace csr_matrix_mod
