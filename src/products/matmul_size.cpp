@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: MIT
+// The first pass of a product: how many entries it has.
+#include "../support/entry_count.hpp"
+#include "product_size.hpp"
+#include "product_walk.hpp"
+
+#include <csr_matrix_mod/products.hpp>
+
+namespace csr_matrix_mod {
+
+using products::count_entries;
+using products::diagonal;
+
+std::int64_t product_size(std::int32_t n, std::int32_t ncol, array_view<const std::int32_t> ia,
+                          array_view<const std::int32_t> ja, array_view<const std::int32_t> ib,
+                          array_view<const std::int32_t> jb) {
+  return count_entries<diagonal::kept>({n, ncol, ia, ja, ib, jb}, "matmul_size");
+}
+
+std::int64_t product_size_graph(std::int32_t n, std::int32_t ncol,
+                                array_view<const std::int32_t> ia,
+                                array_view<const std::int32_t> ja,
+                                array_view<const std::int32_t> ib,
+                                array_view<const std::int32_t> jb) {
+  return count_entries<diagonal::skipped>({n, ncol, ia, ja, ib, jb}, "matmul_size_graph");
+}
+
+void matmul_size(std::int32_t n, std::int32_t ncol, array_view<const std::int32_t> ia,
+                 array_view<const std::int32_t> ja, array_view<const std::int32_t> ib,
+                 array_view<const std::int32_t> jb, std::int32_t& nz) {
+  nz = entry_count(product_size(n, ncol, ia, ja, ib, jb), "matmul_size");
+}
+
+void matmul_size_graph(std::int32_t n, std::int32_t ncol, array_view<const std::int32_t> ia,
+                       array_view<const std::int32_t> ja, array_view<const std::int32_t> ib,
+                       array_view<const std::int32_t> jb, std::int32_t& nz) {
+  nz = entry_count(product_size_graph(n, ncol, ia, ja, ib, jb), "matmul_size_graph");
+}
+
+}  // namespace csr_matrix_mod

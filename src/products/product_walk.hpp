@@ -1,0 +1,104 @@
+// SPDX-License-Identifier: MIT
+// The walk over all paths of a product, row by row: over entry k of left row i, column j, to entry
+// l of right row j. One walk counts the columns that a row reaches, one stores them.
+#pragma once
+
+#include "../support/scratch.hpp"
+
+#include <csr_matrix_mod/support.hpp>
+
+#include <cstdint>
+#include <string_view>
+
+namespace csr_matrix_mod::products {
+
+enum class diagonal { kept, skipped };
+
+// Both patterns, the rows of the left one, and the length of the column marker.
+struct operands {
+  std::int32_t n;
+  std::int32_t ncol;
+  array_view<const std::int32_t> ia, ja;
+  array_view<const std::int32_t> ib, jb;
+};
+
+// The number of entries of the product. The marker holds the last row in which a column was
+// counted, so it need not be cleared between rows. `routine` is blamed when there is no room for it.
+template <diagonal Diagonal>
+std::int64_t count_entries(const operands& of, std::string_view routine) {
+  const std::int32_t* const left_starts = of.ia.data();
+  const std::int32_t* const left_columns = of.ja.data();
+  const std::int32_t* const right_starts = of.ib.data();
+  const std::int32_t* const right_columns = of.jb.data();
+  scratch<std::int32_t> marker(of.ncol, contents::zero, routine);
+  std::int32_t* const mark = marker.data();
+
+  std::int64_t count = 0;
+  for (std::int64_t i = 1; i <= of.n; ++i) {
+    const std::int32_t left_end = left_starts[i];
+    for (std::int32_t k = left_starts[i - 1]; k < left_end; ++k) {
+      const std::int32_t j = left_columns[k - 1];
+      const std::int32_t right_end = right_starts[j];
+      for (std::int32_t l = right_starts[j - 1]; l < right_end; ++l) {
+        const std::int32_t column = right_columns[l - 1];
+        if (Diagonal == diagonal::skipped && column == i) continue;
+        if (mark[column - 1] == i) continue;
+        mark[column - 1] = static_cast<std::int32_t>(i);
+        ++count;
+      }
+    }
+  }
+  return count;
+}
+
+// Where the product goes: its row starts and columns, and what it does with values.
+template <class Values>
+struct product {
+  array_view<std::int32_t> ic, jc;
+  Values values;
+};
+
+// Stores the entries of the product in the order in which paths first lead to them. The marker
+// holds the position at which a column was stored; a position before the row's first is one of an
+// earlier row, so it need not be cleared either. `over` and `along` of `path` say what a path is
+// worth.
+template <diagonal Diagonal, class Values, class Path>
+void store_entries(const operands& of, const product<Values>& to, const Path path,
+                   std::string_view routine) {
+  const std::int32_t* const left_starts = of.ia.data();
+  const std::int32_t* const left_columns = of.ja.data();
+  const std::int32_t* const right_starts = of.ib.data();
+  const std::int32_t* const right_columns = of.jb.data();
+  std::int32_t* const starts = to.ic.data();
+  std::int32_t* const columns = to.jc.data();
+  const Values values = to.values;
+  scratch<std::int32_t> marker(of.ncol, contents::zero, routine);
+  std::int32_t* const mark = marker.data();
+
+  if (to.ic.length() > 0) starts[0] = 1;  // fewer than 0 rows have no row start
+  std::int32_t pos = 0;
+  for (std::int64_t i = 1; i <= of.n; ++i) {
+    const std::int32_t first = pos + 1;
+    const std::int32_t left_end = left_starts[i];
+    for (std::int32_t k = left_starts[i - 1]; k < left_end; ++k) {
+      const std::int32_t j = left_columns[k - 1];
+      const auto left = path.over(k, j);
+      const std::int32_t right_end = right_starts[j];
+      for (std::int32_t l = right_starts[j - 1]; l < right_end; ++l) {
+        const std::int32_t column = right_columns[l - 1];
+        if (Diagonal == diagonal::skipped && column == i) continue;
+        std::int32_t& at = mark[column - 1];
+        if (at < first) {
+          at = ++pos;
+          columns[at - 1] = column;
+          values.set(at, path.along(left, l));
+        } else {
+          values.add(at, path.along(left, l));
+        }
+      }
+    }
+    starts[i] = pos + 1;
+  }
+}
+
+}  // namespace csr_matrix_mod::products

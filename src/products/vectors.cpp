@@ -1,0 +1,104 @@
+// SPDX-License-Identifier: MIT
+// Matrix times vector, plain and transposed; with the values, or with the pattern where every entry
+// weighs 1.
+#include "../support/stop.hpp"
+
+#include <csr_matrix_mod/products.hpp>
+
+#include <algorithm>
+
+namespace csr_matrix_mod {
+
+namespace {
+
+// Adds entry k times the element x.
+struct weighted {
+  const double* values;
+
+  [[nodiscard]] double operator()(double sum, std::int32_t k, double x) const {
+    return values[k - 1] * x + sum;
+  }
+};
+
+// Adds the element x; the sum wraps at 32 bits.
+struct unweighted {
+  [[nodiscard]] std::int32_t operator()(std::int32_t sum, std::int32_t, std::int32_t x) const {
+    return static_cast<std::int32_t>(static_cast<std::uint32_t>(sum) +
+                                     static_cast<std::uint32_t>(x));
+  }
+};
+
+void require_room(std::string_view size, std::int32_t needed, std::int64_t length,
+                  std::string_view message) {
+  if (length >= needed) return;
+  print_free(size, needed);
+  print_free("size of y = ", static_cast<std::int32_t>(length));
+  stop(message);
+}
+
+template <class T, class Add>
+void multiply(const csr_matrix& mat, array_view<const T> x, array_view<T> y, const Add add) {
+  const std::int32_t* const starts = mat.ia.data();
+  const std::int32_t* const columns = mat.ja.data();
+  const T* const from = x.data();
+  T* const to = y.data();
+
+  for (std::int64_t i = 1; i <= mat.n; ++i) {
+    T sum = 0;
+    const std::int32_t end = starts[i];
+    for (std::int32_t k = starts[i - 1]; k < end; ++k) sum = add(sum, k, from[columns[k - 1] - 1]);
+    to[i - 1] = sum;
+  }
+}
+
+// All of `y` is cleared, not only the part that the matrix reaches.
+template <class T, class Add>
+void multiply_transposed(const csr_matrix& mat, array_view<const T> x, array_view<T> y,
+                         const Add add) {
+  const std::int32_t* const starts = mat.ia.data();
+  const std::int32_t* const columns = mat.ja.data();
+  const T* const from = x.data();
+  T* const to = y.data();
+
+  std::fill(y.begin(), y.end(), T{0});
+  for (std::int64_t i = 1; i <= mat.n; ++i) {
+    const T xi = from[i - 1];
+    const std::int32_t end = starts[i];
+    for (std::int32_t k = starts[i - 1]; k < end; ++k) {
+      T& sum = to[columns[k - 1] - 1];
+      sum = add(sum, k, xi);
+    }
+  }
+}
+
+}  // namespace
+
+void csr_matrix_multiply_rvector(const csr_matrix& mat, array_view<const double> x,
+                                 array_view<double> y) {
+  require_room("row size of matrix = ", mat.n, y.length(),
+               "size of y too small in matrix_multiply_rvector");
+  multiply(mat, x, y, weighted{mat.a.data()});
+}
+
+void csr_matrix_trans_mult_rvector(const csr_matrix& mat, array_view<const double> x,
+                                   array_view<double> y) {
+  require_room("column size of matrix = ", mat.m, y.length(),
+               "size of y too small in matrix_trans_mult_rvector");
+  multiply_transposed(mat, x, y, weighted{mat.a.data()});
+}
+
+void csr_matrix_multiply_ivector(const csr_matrix& mat, array_view<const std::int32_t> x,
+                                 array_view<std::int32_t> y) {
+  require_room("row size of matrix = ", mat.n, y.length(),
+               "size of y too small in matrix_multiply_ivector");
+  multiply(mat, x, y, unweighted{});
+}
+
+void csr_matrix_trans_mult_ivector(const csr_matrix& mat, array_view<const std::int32_t> x,
+                                   array_view<std::int32_t> y) {
+  require_room("column size of matrix = ", mat.m, y.length(),
+               "size of y too small in matrix_trans_mult_ivector");
+  multiply_transposed(mat, x, y, unweighted{});
+}
+
+}  // namespace csr_matrix_mod
