@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: MIT
+// Repeated columns merged without sorting: the first occurrence keeps its place.
+#include "../support/scratch.hpp"
+#include "../support/stop.hpp"
+
+#include <csr_matrix_mod/ordering.hpp>
+
+#include <algorithm>
+
+namespace csr_matrix_mod {
+
+namespace {
+
+// Merges within each row and closes the gaps. mark(j) is the position of column j in the row at
+// hand, 0 if it has none; only the columns of the row that ends are unmarked.
+void merge_rows(csr_matrix& mat, std::int32_t* mark, std::int32_t* newia) {
+  const std::int32_t* const starts = mat.ia.data();
+  std::int32_t* const columns = mat.ja.data();
+  double* const values = mat.type == matrix_real ? mat.a.data() : nullptr;
+  std::int32_t q = 1;
+  newia[0] = q;
+  for (std::int64_t i = 1; i <= mat.n; ++i) {
+    const std::int32_t next_row = starts[i];
+    for (std::int32_t p = starts[i - 1]; p < next_row; ++p) {
+      const std::int32_t j = columns[p - 1];
+      const std::int32_t kept = mark[j - 1];
+      if (kept == 0) {
+        mark[j - 1] = q;
+        columns[q - 1] = j;
+        if (values != nullptr) values[q - 1] = values[p - 1];
+        ++q;
+      } else if (values != nullptr) {
+        values[kept - 1] = values[kept - 1] + values[p - 1];
+      }
+    }
+    newia[i] = q;
+    for (std::int32_t k = newia[i - 1]; k < q; ++k) mark[columns[k - 1] - 1] = 0;
+  }
+}
+
+}  // namespace
+
+void csr_matrix_clean(csr_matrix& mat) {
+  scratch<std::int32_t> mark;
+  scratch<std::int32_t> newia;
+  if (!mark.allocate(mat.m, contents::zero) ||
+      !newia.allocate(std::int64_t{mat.n} + 1, contents::undefined)) {
+    print_free("problem allocating in matrix_clean");
+    stop(blank_message);
+  }
+  merge_rows(mat, mark.data(), newia.data());
+  std::copy(newia.begin(), newia.end(), mat.ia.data());
+  csr_matrix_reallocate(mat, csr_matrix_num_nz(mat));
+}
+
+}  // namespace csr_matrix_mod
