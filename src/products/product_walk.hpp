@@ -87,11 +87,11 @@ void store_entries(const operands& of, const product<Values>& to, const Path pat
       for (std::int32_t l = right_starts[j - 1]; l < right_end; ++l) {
         const std::int32_t column = right_columns[l - 1];
         if (Diagonal == diagonal::skipped && column == i) continue;
-        std::int32_t& at = mark[column - 1];
+        const std::int32_t at = mark[column - 1];
         if (at < first) {
-          at = ++pos;
-          columns[at - 1] = column;
-          values.set(at, path.along(left, l));
+          mark[column - 1] = ++pos;
+          columns[pos - 1] = column;
+          values.set(pos, path.along(left, l));
         } else {
           values.add(at, path.along(left, l));
         }

@@ -181,6 +181,32 @@ TEST(Multiply, TakesNcolForTheMarkerAndTheColumnsFromTheRightOperand) {
   EXPECT_EQ(entries_of(m3), (entry_rows{{{2, 6.0}}}));
 }
 
+// How many bytes each request of `call` was for.
+std::vector<std::size_t> requests_of(const std::function<void()>& call) {
+  static std::vector<std::size_t> requests;
+  requests.clear();
+  detail::set_refusal([](std::size_t bytes) noexcept {
+    requests.push_back(bytes);
+    return false;
+  });
+  expect_silent(call);
+  detail::set_refusal(nullptr);
+  return requests;
+}
+
+// Row starts, marker, columns, values, marker.
+TEST(Multiply, AsksForAMarkerOfNcolIntegersInEachPassAndForNothingElse) {
+  const csr_matrix m1 = real_matrix(1, {{{1, 2.0}}});
+  const csr_matrix m2 = real_matrix(2, {{{2, 3.0}}});
+  csr_matrix m3;
+  EXPECT_EQ(requests_of([&] { csr_matrix_multiply(m1, m2, m3); }),
+            (std::vector<std::size_t>{2 * 4, 2 * 4, 4, 8, 2 * 4}));
+  EXPECT_EQ(requests_of([&] { csr_matrix_multiply(m1, m2, m3, 7); }),
+            (std::vector<std::size_t>{2 * 4, 7 * 4, 4, 8, 7 * 4}));
+  EXPECT_EQ(requests_of([&] { csr_matrix_multiply_graph(m1, m2, m3, 7); }),
+            (std::vector<std::size_t>{2 * 4, 7 * 4, 4, 8, 7 * 4}));
+}
+
 // The record says one column, the entries say two: the marker must be as long as `ncol` says.
 TEST(Multiply, ReachesColumnsUpToNcolWhereTheRightOperandSaysFewer) {
   const csr_matrix m1 = real_matrix(1, {{{1, 2.0}}});
