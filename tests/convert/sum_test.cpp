@@ -1,0 +1,241 @@
+// SPDX-License-Identifier: MIT
+#include "../support/dense.hpp"
+#include "../support/generators.hpp"
+#include "../support/messages.hpp"
+#include "../support/observe.hpp"
+#include "../support/refusals.hpp"
+
+#include <csr_matrix_mod/convert.hpp>
+
+#include <gtest/gtest.h>
+#include <rapidcheck/gtest.h>
+
+#include <algorithm>
+
+namespace {
+
+using namespace csr_matrix_mod;
+using tests::column_rows;
+using tests::columns_of;
+using tests::entries_of;
+using tests::entry_rows;
+using tests::expect_silent;
+using tests::observe;
+using tests::pattern;
+using tests::real_matrix;
+
+using sum_routine = void (*)(const csr_matrix&, const csr_matrix&, csr_matrix&);
+
+TEST(Sum, HoldsTheColumnsOfTheFirstOperandAndThenThoseOnlyTheSecondHas) {
+  // [ 1  .  2  . ]   [ .  5  6  7 ]   [ 1  5  8  7 ]
+  // [ .  .  .  . ] + [ 8  .  .  . ] = [ 8  .  .  . ]
+  // [ .  3  .  . ]   [ .  .  .  . ]   [ .  3  .  . ]
+  const csr_matrix mat1 = real_matrix(4, {{{3, 2}, {1, 1}}, {}, {{2, 3}}});
+  const csr_matrix mat2 = real_matrix(4, {{{4, 7}, {3, 6}, {2, 5}}, {{1, 8}}, {}});
+  csr_matrix mat3;
+  expect_silent([&] { csr_matrix_sum(mat1, mat2, mat3); });
+  EXPECT_EQ(mat3.n, 3);
+  EXPECT_EQ(mat3.m, 4);
+  EXPECT_EQ(entries_of(mat3), (entry_rows{{{3, 8}, {1, 1}, {4, 7}, {2, 5}}, {{1, 8}}, {{2, 3}}}));
+  EXPECT_EQ(mat3.ja.length(), 6);
+  EXPECT_EQ(mat3.a.length(), 6);
+}
+
+TEST(Sum, OfAMatrixAndItselfKeepsThePatternAndDoublesEveryValue) {
+  const csr_matrix mat = real_matrix(3, {{{3, 0.1}, {1, -4}}, {}, {{2, 0}}}, 2);
+  csr_matrix twice;
+  expect_silent([&] { csr_matrix_sum(mat, mat, twice); });
+  EXPECT_EQ(entries_of(twice), (entry_rows{{{3, 0.2}, {1, -8}}, {}, {{2, 0}}}));
+  EXPECT_EQ(twice.ja.length(), 3);
+}
+
+TEST(Sum, StoresARepeatedColumnOnceWithItsValuesAddedInStoredOrder) {
+  // Another order would give 2 or 1: 1e16 + 1 is 1e16.
+  const csr_matrix mat1 = real_matrix(2, {{{2, 1e16}, {1, 5}, {2, 1}}});
+  const csr_matrix mat2 = real_matrix(2, {{{2, -1e16}, {2, 1}}});
+  csr_matrix mat3;
+  expect_silent([&] { csr_matrix_sum(mat1, mat2, mat3); });
+  EXPECT_EQ(entries_of(mat3), (entry_rows{{{2, 1}, {1, 5}}}));
+  EXPECT_EQ(mat3.ja.length(), 2);
+}
+
+TEST(Sum, KeepsEntriesThatCancelAndTheSignOfAZeroThatMeetsNothing) {
+  const csr_matrix mat1 = real_matrix(2, {{{1, 3}, {2, -0.0}}});
+  const csr_matrix mat2 = real_matrix(2, {{{1, -3}}});
+  csr_matrix mat3;
+  expect_silent([&] { csr_matrix_sum(mat1, mat2, mat3); });
+  EXPECT_EQ(entries_of(mat3), (entry_rows{{{1, 0.0}, {2, -0.0}}}));
+}
+
+TEST(Sum, IsAPatternWhenEitherOperandIs) {
+  const csr_matrix real = real_matrix(2, {{{2, 5}}, {{1, 6}}});
+  const csr_matrix bare = pattern(2, {{1, 2}, {}});
+  for (const sum_routine sum : {csr_matrix_sum, csr_matrix_sum_nodiag}) {
+    csr_matrix mat3;
+    expect_silent([&] { sum(real, bare, mat3); });
+    EXPECT_EQ(mat3.type, matrix_structure_only);
+    EXPECT_FALSE(mat3.a.allocated());
+    csr_matrix other;
+    expect_silent([&] { sum(bare, real, other); });
+    EXPECT_EQ(other.type, matrix_structure_only);
+    EXPECT_FALSE(other.a.allocated());
+    csr_matrix both;
+    expect_silent([&] { sum(bare, bare, both); });
+    EXPECT_EQ(both.type, matrix_structure_only);
+  }
+  csr_matrix mat3;
+  expect_silent([&] { csr_matrix_sum(real, bare, mat3); });
+  EXPECT_EQ(columns_of(mat3), (column_rows{{2, 1}, {1}}));
+}
+
+TEST(SumNodiag, SkipsTheDiagonalAndGivesEveryEntryTheValueOne) {
+  // [ 1  2  . ]   [ 9  .  -2 ]   [ .  1  1 ]
+  // [ .  .  . ] + [ .  7   . ] = [ .  .  . ]
+  // [ 4  0  . ]   [ 4  .   . ]   [ 1  1  . ]
+  const csr_matrix mat1 = real_matrix(3, {{{1, 1}, {2, 2}}, {}, {{2, 0}, {1, 4}, {2, 8}}});
+  const csr_matrix mat2 = real_matrix(3, {{{3, -2}, {1, 9}}, {{2, 7}}, {{1, 4}}});
+  csr_matrix mat3;
+  expect_silent([&] { csr_matrix_sum_nodiag(mat1, mat2, mat3); });
+  EXPECT_EQ(entries_of(mat3), (entry_rows{{{2, 1}, {3, 1}}, {}, {{2, 1}, {1, 1}}}));
+  EXPECT_EQ(mat3.ja.length(), 4);
+}
+
+TEST(SumNodiag, OfDiagonalMatricesHasNoEntries) {
+  const csr_matrix mat1 = real_matrix(2, {{{1, 1}}, {{2, 2}}});
+  const csr_matrix mat2 = real_matrix(2, {{}, {{2, 2}, {2, 3}}});
+  csr_matrix mat3;
+  const auto seen = observe([&] { csr_matrix_sum_nodiag(mat1, mat2, mat3); });
+  EXPECT_EQ(seen.output, tests::no_entries_warning);
+  EXPECT_EQ(seen.stop, std::nullopt);
+  EXPECT_EQ(entries_of(mat3), entry_rows(2));
+  EXPECT_EQ(mat3.ja.length(), 1);
+  EXPECT_EQ(mat3.a.length(), 1);
+}
+
+TEST(Sum, OfMatricesWithoutRowsHasNoRowsAndOneRowStart) {
+  const csr_matrix mat = real_matrix(4, {});
+  csr_matrix mat3;
+  EXPECT_EQ(observe([&] { csr_matrix_sum(mat, mat, mat3); }).output, tests::no_entries_warning);
+  EXPECT_EQ(mat3.n, 0);
+  EXPECT_EQ(mat3.m, 4);
+  EXPECT_EQ(mat3.ia.length(), 1);
+  EXPECT_EQ(mat3.ia(1), 1);
+}
+
+TEST(Sum, OfMatricesWithoutColumnsHasEmptyRows) {
+  const csr_matrix mat = real_matrix(0, {{}, {}});
+  csr_matrix mat3;
+  EXPECT_EQ(observe([&] { csr_matrix_sum(mat, mat, mat3); }).output, tests::no_entries_warning);
+  EXPECT_EQ(entries_of(mat3), entry_rows(2));
+}
+
+TEST(Sum, StopsWhenTheShapesDifferWithTheResultUntouched) {
+  const csr_matrix tall = real_matrix(2, {{{1, 1}}, {}, {}});
+  const csr_matrix square = real_matrix(2, {{{1, 1}}, {}});
+  const csr_matrix wide = real_matrix(3, {{{1, 1}}, {}});
+  for (const sum_routine sum : {csr_matrix_sum, csr_matrix_sum_nodiag}) {
+    csr_matrix mat3 = real_matrix(1, {{{1, 5}}});
+    const auto rows = observe([&] { sum(tall, square, mat3); });
+    EXPECT_EQ(rows.output, " n =            3           2  m =            2           2\n");
+    EXPECT_EQ(rows.stop, "try to sum two matrix of different row/column size");
+    const auto columns = observe([&] { sum(square, wide, mat3); });
+    EXPECT_EQ(columns.output, " n =            2           2  m =            2           3\n");
+    EXPECT_EQ(columns.stop, "try to sum two matrix of different row/column size");
+    EXPECT_EQ(entries_of(mat3), (entry_rows{{{1, 5}}}));
+  }
+}
+
+TEST(Sum, StopsAtEveryShortageWithTheOperandsUntouched) {
+  struct arguments {
+    csr_matrix mat1, mat2, mat3;
+  };
+  const entry_rows rows1{{{2, 1}, {2, 4}}, {{1, 2}}};
+  const entry_rows rows2{{{1, 3}}, {}};
+  const auto stops = [&](sum_routine sum) {
+    return tests::refuse_each_request(
+        [&] {
+          return arguments{real_matrix(2, rows1), real_matrix(2, rows2), {}};
+        },
+        [&](arguments& given) { sum(given.mat1, given.mat2, given.mat3); },
+        [&](arguments& given) {
+          EXPECT_EQ(entries_of(given.mat1), rows1);
+          EXPECT_EQ(entries_of(given.mat2), rows2);
+          tests::expect_releasable(given.mat3);
+        });
+  };
+  const auto expected = [](const std::string& routine) {
+    return std::vector<std::string>{
+        "allocation error in csr_matrix_initial", "allocation error in " + routine,
+        "allocation error in csr_matrix_allocate", "allocation error in csr_matrix_allocate"};
+  };
+  EXPECT_EQ(stops(csr_matrix_sum), expected("csr_matrix_sum"));
+  EXPECT_EQ(stops(csr_matrix_sum_nodiag), expected("csr_matrix_sum_nodiag"));
+}
+
+#ifdef NDEBUG  // two thousand million entries take their time otherwise
+// Every other row of both operands is the same stretch of storage, so that little of it is needed.
+TEST(Sum, StopsWhenItsEntriesWouldNotFit) {
+  constexpr std::int32_t length = 1 << 20;
+  constexpr std::int32_t n = 1 << 11;
+  const auto all_but_empty = [&](std::int32_t first_column) {
+    csr_matrix mat;
+    mat.n = n;
+    mat.m = 2 * length;
+    mat.type = matrix_structure_only;
+    EXPECT_TRUE(mat.ia.allocate(n + 1));
+    EXPECT_TRUE(mat.ja.allocate(length));
+    for (std::int32_t i = 1; i <= n + 1; ++i) mat.ia(i) = i % 2 == 1 ? 1 : length + 1;
+    for (std::int32_t k = 1; k <= length; ++k) mat.ja(k) = first_column + k - 1;
+    return mat;
+  };
+  const csr_matrix mat1 = all_but_empty(1);
+  const csr_matrix mat2 = all_but_empty(length + 1);
+  csr_matrix mat3;
+  EXPECT_EQ(observe([&] { csr_matrix_sum(mat1, mat2, mat3); }).stop,
+            "csr_matrix_sum: 2147483648 entries do not fit, at most 2147483646");
+  EXPECT_FALSE(mat3.ja.allocated());
+}
+#endif
+
+struct operands {
+  std::int32_t n, m;
+  entry_rows rows1, rows2;
+  int spare;
+};
+
+operands any_operands() {
+  const auto n = *tests::any_size();
+  const auto m = *tests::any_size();
+  return {n, m, *tests::any_rows(n, m), *tests::any_rows(n, m), *rc::gen::inRange(0, 4)};
+}
+
+void expect_sum(sum_routine sum, const operands& given, const entry_rows& expected) {
+  const csr_matrix mat1 = real_matrix(given.m, given.rows1, given.spare);
+  const csr_matrix mat2 = real_matrix(given.m, given.rows2);
+  const csr_matrix bare1 = pattern(given.m, columns_of(given.rows1));
+  const csr_matrix bare2 = pattern(given.m, columns_of(given.rows2), given.spare);
+  csr_matrix mat3;
+  csr_matrix bare3;
+  observe([&] { sum(mat1, mat2, mat3); });
+  observe([&] { sum(bare1, bare2, bare3); });
+  RC_ASSERT(entries_of(mat3) == expected);
+  RC_ASSERT(columns_of(bare3) == columns_of(expected));
+  RC_ASSERT(mat3.ja.length() == std::max(csr_matrix_num_nz(mat3), 1));
+  RC_ASSERT(mat3.a.length() == mat3.ja.length());
+  RC_ASSERT(bare3.ja.length() == mat3.ja.length());
+  RC_ASSERT(entries_of(mat1) == given.rows1);
+  RC_ASSERT(entries_of(mat2) == given.rows2);
+}
+
+RC_GTEST_PROP(SumProperty, IsTheAdditionPlaceByPlace, ()) {
+  const operands given = any_operands();
+  expect_sum(csr_matrix_sum, given, tests::dense::sum(given.rows1, given.rows2, given.m));
+}
+
+RC_GTEST_PROP(SumProperty, WithoutDiagonalIsTheUnionOfThePlaces, ()) {
+  const operands given = any_operands();
+  expect_sum(csr_matrix_sum_nodiag, given,
+             tests::dense::union_nodiag(given.rows1, given.rows2, given.m));
+}
+
+}  // namespace

@@ -1,0 +1,208 @@
+// SPDX-License-Identifier: MIT
+#include "../support/dense.hpp"
+#include "../support/generators.hpp"
+#include "../support/messages.hpp"
+#include "../support/observe.hpp"
+#include "../support/refusals.hpp"
+
+#include <csr_matrix_mod/convert.hpp>
+
+#include <gtest/gtest.h>
+#include <rapidcheck/gtest.h>
+
+#include <algorithm>
+
+namespace {
+
+using namespace csr_matrix_mod;
+using tests::column_rows;
+using tests::columns_of;
+using tests::entries_of;
+using tests::entry_rows;
+using tests::expect_silent;
+using tests::observe;
+using tests::pattern;
+using tests::real_matrix;
+
+TEST(Transpose, TurnsRowsIntoColumns) {
+  // [ 10  .  20 ]        [ 10   . ]
+  // [  .  30  . ]   ->   [  .  30 ]
+  //                      [ 20   . ]
+  const csr_matrix mat = real_matrix(3, {{{1, 10}, {3, 20}}, {{2, 30}}});
+  csr_matrix mat_t;
+  expect_silent([&] { csr_matrix_transpose(mat, mat_t); });
+  EXPECT_EQ(mat_t.n, 3);
+  EXPECT_EQ(mat_t.m, 2);
+  EXPECT_EQ(mat_t.ia.length(), 4);
+  EXPECT_EQ(entries_of(mat_t), (entry_rows{{{1, 10}}, {{2, 30}}, {{1, 20}}}));
+}
+
+TEST(Transpose, GivesAnEmptyRowForAnEmptyColumn) {
+  // [ .  1  . ]
+  // [ .  2  . ]
+  const csr_matrix mat = real_matrix(3, {{{2, 1}}, {{2, 2}}});
+  csr_matrix mat_t;
+  expect_silent([&] { csr_matrix_transpose(mat, mat_t); });
+  EXPECT_EQ(entries_of(mat_t), (entry_rows{{}, {{1, 1}, {2, 2}}, {}}));
+}
+
+TEST(Transpose, GivesAnEmptyColumnForEmptyFirstAndLastRows) {
+  // [ .  . ]
+  // [ 5  6 ]
+  // [ .  . ]
+  const csr_matrix mat = real_matrix(2, {{}, {{2, 6}, {1, 5}}, {}});
+  csr_matrix mat_t;
+  expect_silent([&] { csr_matrix_transpose(mat, mat_t); });
+  EXPECT_EQ(mat_t.m, 3);
+  EXPECT_EQ(entries_of(mat_t), (entry_rows{{{2, 5}}, {{2, 6}}}));
+}
+
+TEST(Transpose, SortsItsRowsWhateverTheOrderOfTheInput) {
+  // [ 3  2  1 ]   stored from right to left
+  // [ 6  5  4 ]
+  const csr_matrix mat = real_matrix(3, {{{3, 1}, {2, 2}, {1, 3}}, {{3, 4}, {2, 5}, {1, 6}}});
+  csr_matrix mat_t;
+  expect_silent([&] { csr_matrix_transpose(mat, mat_t); });
+  EXPECT_EQ(entries_of(mat_t), (entry_rows{{{1, 3}, {2, 6}}, {{1, 2}, {2, 5}}, {{1, 1}, {2, 4}}}));
+}
+
+TEST(Transpose, KeepsRepeatedEntriesInStoredOrder) {
+  const csr_matrix mat = real_matrix(2, {{{2, 1}, {1, 2}, {2, 3}, {2, -0.0}}});
+  csr_matrix mat_t;
+  expect_silent([&] { csr_matrix_transpose(mat, mat_t); });
+  EXPECT_EQ(entries_of(mat_t), (entry_rows{{{1, 2}}, {{1, 1}, {1, 3}, {1, -0.0}}}));
+}
+
+TEST(Transpose, OfAPatternIsAPatternWithoutValues) {
+  const csr_matrix mat = pattern(2, {{2}, {2, 1}});
+  csr_matrix mat_t;
+  expect_silent([&] { csr_matrix_transpose(mat, mat_t); });
+  EXPECT_EQ(mat_t.type, matrix_structure_only);
+  EXPECT_FALSE(mat_t.a.allocated());
+  EXPECT_EQ(columns_of(mat_t), (column_rows{{2}, {1, 2}}));
+}
+
+TEST(Transpose, GivesEmptyTrailingRowsWhenMoreColumnsAreAskedFor) {
+  const csr_matrix mat = real_matrix(2, {{{2, 7}}});
+  csr_matrix mat_t;
+  expect_silent([&] { csr_matrix_transpose(mat, mat_t, 4); });
+  EXPECT_EQ(mat_t.n, 4);
+  EXPECT_EQ(entries_of(mat_t), (entry_rows{{}, {{1, 7}}, {}, {}}));
+}
+
+TEST(Transpose, RunsOverFewerRowsWhenTheLastColumnsAreEmpty) {
+  const csr_matrix mat = real_matrix(5, {{{2, 7}}});
+  csr_matrix mat_t;
+  expect_silent([&] { csr_matrix_transpose(mat, mat_t, 2); });
+  EXPECT_EQ(mat_t.n, 2);
+  EXPECT_EQ(entries_of(mat_t), (entry_rows{{}, {{1, 7}}}));
+}
+
+TEST(Transpose, OfAMatrixWithoutEntriesWarnsAndHasOneSlot) {
+  const csr_matrix mat = real_matrix(2, {{}, {}, {}});
+  csr_matrix mat_t;
+  const auto seen = observe([&] { csr_matrix_transpose(mat, mat_t); });
+  EXPECT_EQ(seen.output, tests::no_entries_warning);
+  EXPECT_EQ(seen.stop, std::nullopt);
+  EXPECT_EQ(entries_of(mat_t), entry_rows(2));
+  EXPECT_EQ(mat_t.m, 3);
+  EXPECT_EQ(mat_t.ja.length(), 1);
+  EXPECT_EQ(mat_t.a.length(), 1);
+}
+
+TEST(Transpose, OfAMatrixWithoutRowsHasItsRowsAllEmpty) {
+  const csr_matrix mat = real_matrix(3, {});
+  csr_matrix mat_t;
+  EXPECT_EQ(observe([&] { csr_matrix_transpose(mat, mat_t); }).output, tests::no_entries_warning);
+  EXPECT_EQ(mat_t.m, 0);
+  EXPECT_EQ(entries_of(mat_t), entry_rows(3));
+}
+
+TEST(Transpose, OfAMatrixWithoutColumnsHasNoRows) {
+  const csr_matrix mat = pattern(0, {{}, {}});
+  csr_matrix mat_t;
+  EXPECT_EQ(observe([&] { csr_matrix_transpose(mat, mat_t); }).output, tests::no_entries_warning);
+  EXPECT_EQ(mat_t.n, 0);
+  EXPECT_EQ(mat_t.m, 2);
+  EXPECT_EQ(mat_t.ia.length(), 1);
+  EXPECT_EQ(mat_t.ia(1), 1);
+}
+
+TEST(Transpose, OverFewerThanNoRowsWritesNoRowStart) {
+  const csr_matrix mat = real_matrix(3, {});
+  csr_matrix mat_t;
+  EXPECT_EQ(observe([&] { csr_matrix_transpose(mat, mat_t, -1); }).output,
+            tests::no_entries_warning);
+  EXPECT_EQ(mat_t.n, -1);
+  EXPECT_EQ(mat_t.ia.length(), 0);
+}
+
+TEST(Transpose, DropsWhatTheResultHeldBefore) {
+  const csr_matrix mat = pattern(1, {{1}});
+  csr_matrix mat_t = real_matrix(3, {{{1, 1}, {3, 2}}, {}});
+  expect_silent([&] { csr_matrix_transpose(mat, mat_t); });
+  EXPECT_FALSE(mat_t.a.allocated());
+  EXPECT_EQ(columns_of(mat_t), (column_rows{{1}}));
+}
+
+TEST(Transpose, StopsAtEveryShortageWithTheInputUntouched) {
+  struct arguments {
+    csr_matrix mat, mat_t;
+  };
+  const entry_rows rows{{{2, 1}, {1, 2}}, {}, {{2, 3}}};
+  const auto stops = tests::refuse_each_request(
+      [&] {
+        return arguments{real_matrix(2, rows), {}};
+      },
+      [](arguments& given) { csr_matrix_transpose(given.mat, given.mat_t); },
+      [&](arguments& given) {
+        EXPECT_EQ(entries_of(given.mat), rows);
+        tests::expect_releasable(given.mat_t);
+      });
+  EXPECT_EQ(stops, (std::vector<std::string>{"allocation error in csr_matrix_transpose",
+                                             "allocation error in csr_matrix_initial",
+                                             "allocation error in csr_matrix_allocate",
+                                             "allocation error in csr_matrix_allocate"}));
+}
+
+RC_GTEST_PROP(TransposeProperty, IsTheOneWrittenPlaceByPlace, ()) {
+  const auto n = *tests::any_size();
+  const auto m = *tests::any_size();
+  const auto rows = *tests::any_rows(n, m);
+  const auto spare = *rc::gen::inRange(0, 4);
+  const entry_rows expected = tests::dense::transpose(rows, m);
+  const csr_matrix mat = real_matrix(m, rows, spare);
+  const csr_matrix bare = pattern(m, columns_of(rows), spare);
+  csr_matrix mat_t;
+  csr_matrix bare_t;
+  observe([&] { csr_matrix_transpose(mat, mat_t); });
+  observe([&] { csr_matrix_transpose(bare, bare_t); });
+  RC_ASSERT(entries_of(mat_t) == expected);
+  RC_ASSERT(columns_of(bare_t) == columns_of(expected));
+  RC_ASSERT(mat_t.m == n);
+  RC_ASSERT(bare_t.m == n);
+  RC_ASSERT(mat_t.ja.length() == std::max(csr_matrix_num_nz(mat), 1));
+  RC_ASSERT(mat_t.a.length() == mat_t.ja.length());
+  RC_ASSERT(bare_t.ja.length() == mat_t.ja.length());
+  RC_ASSERT(entries_of(mat) == rows);
+}
+
+RC_GTEST_PROP(TransposeProperty, TwiceIsTheMatrixWithEveryRowSorted, ()) {
+  const auto m = *tests::any_size();
+  auto rows = *tests::any_rows(*tests::any_size(), m);
+  const csr_matrix mat = real_matrix(m, rows);
+  csr_matrix mat_t;
+  csr_matrix back;
+  observe([&] {
+    csr_matrix_transpose(mat, mat_t);
+    csr_matrix_transpose(mat_t, back);
+  });
+  for (auto& row : rows)
+    std::stable_sort(row.begin(), row.end(),
+                     [](const tests::entry& left, const tests::entry& right) {
+                       return left.column < right.column;
+                     });
+  RC_ASSERT(entries_of(back) == rows);
+}
+
+}  // namespace
