@@ -1,0 +1,227 @@
+// SPDX-License-Identifier: MIT
+#include "../support/generators.hpp"
+#include "../support/observe.hpp"
+#include "../support/refusals.hpp"
+
+#include <csr_matrix_mod/ordering.hpp>
+
+#include <gtest/gtest.h>
+#include <rapidcheck/gtest.h>
+
+#include <algorithm>
+
+namespace {
+
+using namespace csr_matrix_mod;
+using tests::column_rows;
+using tests::columns_of;
+using tests::entries_of;
+using tests::entry;
+using tests::entry_rows;
+using tests::expect_silent;
+using tests::observe;
+using tests::pattern;
+using tests::real_matrix;
+
+using integers = std::vector<std::int32_t>;
+using values = std::vector<double>;
+
+TEST(SortRow, MergesARepeatedColumnAndAddsItsValues) {
+  std::int32_t len = 3;
+  integers cols{5, 2, 5};
+  values vals{1, 2, 3};
+  expect_silent([&] { csr_matrix_sortrow(len, cols, vals); });
+  EXPECT_EQ(len, 2);
+  EXPECT_EQ(cols, (integers{2, 5, 5}));  // what follows is stale
+  EXPECT_EQ(vals, (values{2, 4, 3}));
+}
+
+TEST(SortRow, AddsValuesThatMeetInStoredOrder) {
+  // Another order would give 2 or 0: 1e16 + 1 is 1e16.
+  std::int32_t len = 5;
+  integers cols{7, 7, 3, 7, 7};
+  values vals{1e16, 1, 8, -1e16, 1};
+  expect_silent([&] { csr_matrix_sortrow(len, cols, vals); });
+  EXPECT_EQ(len, 2);
+  EXPECT_EQ(vals[0], 8.0);
+  EXPECT_EQ(vals[1], 1.0);
+}
+
+TEST(SortRow, LooksAtNoMoreThanTheRow) {
+  std::int32_t len = 2;
+  integers cols{4, 3, 2, 1};
+  values vals{4, 3, 2, 1};
+  expect_silent([&] { csr_matrix_sortrow(len, cols, vals); });
+  EXPECT_EQ(cols, (integers{3, 4, 2, 1}));
+  EXPECT_EQ(vals, (values{3, 4, 2, 1}));
+}
+
+TEST(SortRow, LeavesARowOfNoneOrOneEntryUntouched) {
+  for (std::int32_t length : {-1, 0, 1}) {
+    std::int32_t len = length;
+    integers cols{9, 4};
+    values vals{-0.0, 2};
+    expect_silent([&] { csr_matrix_sortrow(len, cols, vals); });
+    expect_silent([&] { csr_matrix_sortrow_noval(len, cols); });
+    EXPECT_EQ(len, length);
+    EXPECT_EQ(cols, (integers{9, 4}));
+    EXPECT_EQ(vals, (values{-0.0, 2}));
+  }
+}
+
+TEST(SortRowNoval, MergesRepeatedColumns) {
+  std::int32_t len = 5;
+  integers cols{5, 2, 5, 1, 2};
+  expect_silent([&] { csr_matrix_sortrow_noval(len, cols); });
+  EXPECT_EQ(len, 3);
+  EXPECT_EQ(cols, (integers{1, 2, 5, 5, 5}));
+}
+
+TEST(SortRow, StopsAtEveryShortage) {
+  struct row {
+    std::int32_t len = 2;
+    integers cols{2, 1};
+    values vals{5, 6};
+  };
+  const auto untouched = [](row& given) { EXPECT_EQ(given.len, 2); };
+  EXPECT_EQ(
+      tests::refuse_each_request(
+          [] { return row{}; },
+          [](row& given) { csr_matrix_sortrow(given.len, given.cols, given.vals); }, untouched),
+      std::vector<std::string>(2, "allocation error in csr_matrix_sortrow"));
+  EXPECT_EQ(tests::refuse_each_request(
+                [] { return row{}; },
+                [](row& given) { csr_matrix_sortrow_noval(given.len, given.cols); }, untouched),
+            std::vector<std::string>(1, "allocation error in csr_matrix_sortrow_noval"));
+}
+
+TEST(Sort, OnlyReordersWithinRowsWhenNoColumnRepeats) {
+  // [ 1  .  2 ]   stored from right to left, two slots to spare
+  // [ .  .  . ]
+  // [ .  3  0 ]
+  csr_matrix mat = real_matrix(3, {{{3, 2}, {1, 1}}, {}, {{3, 0}, {2, 3}}}, 2);
+  const std::int32_t* const storage = mat.ja.data();
+  expect_silent([&] { csr_matrix_sort(mat); });
+  EXPECT_EQ(entries_of(mat), (entry_rows{{{1, 1}, {3, 2}}, {}, {{2, 3}, {3, 0}}}));
+  EXPECT_EQ(mat.ja.length(), 6);
+  EXPECT_EQ(mat.a.length(), 6);
+  EXPECT_EQ(mat.ja.data(), storage);
+}
+
+TEST(Sort, ShrinksTheStorageToTheEntriesWhenAColumnRepeats) {
+  csr_matrix mat = real_matrix(3, {{{3, 1}, {3, 2}}, {{1, 4}}}, 5);
+  expect_silent([&] { csr_matrix_sort(mat); });
+  EXPECT_EQ(entries_of(mat), (entry_rows{{{3, 3}}, {{1, 4}}}));
+  EXPECT_EQ(mat.ja.length(), 2);
+  EXPECT_EQ(mat.a.length(), 2);
+  EXPECT_EQ(mat.n, 2);
+  EXPECT_EQ(mat.m, 3);
+}
+
+TEST(Sort, ClosesTheGapsBehindEveryRow) {
+  csr_matrix mat = real_matrix(
+      4, {{}, {{2, 1}, {2, 1}, {2, 1}}, {{4, 4}, {1, 1}, {4, 4}}, {{3, 7}, {2, 6}, {1, 5}}, {}});
+  expect_silent([&] { csr_matrix_sort(mat); });
+  EXPECT_EQ(entries_of(mat),
+            (entry_rows{{}, {{2, 3}}, {{1, 1}, {4, 8}}, {{1, 5}, {2, 6}, {3, 7}}, {}}));
+  EXPECT_EQ(mat.ja.length(), 6);
+}
+
+TEST(Sort, LeavesAMatrixWithoutRowsOrWithoutEntriesAsItIs) {
+  csr_matrix no_rows = real_matrix(3, {}, 2);
+  expect_silent([&] { csr_matrix_sort(no_rows); });
+  EXPECT_EQ(entries_of(no_rows), entry_rows{});
+  EXPECT_EQ(no_rows.ja.length(), 2);
+
+  csr_matrix no_entries = real_matrix(0, {{}, {}}, 1);
+  expect_silent([&] { csr_matrix_sort(no_entries); });
+  EXPECT_EQ(entries_of(no_entries), entry_rows(2));
+  EXPECT_EQ(no_entries.ja.length(), 1);
+}
+
+TEST(Sort, OfAPatternTouchesNoValues) {
+  csr_matrix mat = pattern(3, {{3, 1, 3}, {2, 1}});
+  ASSERT_TRUE(mat.a.allocate(1));
+  mat.a(1) = 42;
+  expect_silent([&] { csr_matrix_sort(mat); });
+  EXPECT_EQ(columns_of(mat), (column_rows{{1, 3}, {1, 2}}));
+  EXPECT_EQ(mat.ja.length(), 4);
+  EXPECT_EQ(mat.a.length(), 1);
+  EXPECT_EQ(mat.a(1), 42.0);
+}
+
+TEST(Sort, StopsAtEveryShortageWithARecordThatCanBeReleased) {
+  const auto stops = tests::refuse_each_request(
+      [] {
+        return real_matrix(2, {{{2, 1}, {2, 2}}, {}, {{1, 3}}});
+      },
+      csr_matrix_sort, [](csr_matrix& mat) { tests::expect_releasable(mat); });
+  const std::string in_row = "allocation error in csr_matrix_sortrow";
+  const std::string shrinking = "allocation error in csr_matrix_allocate";
+  EXPECT_EQ(stops, (std::vector<std::string>{"allocation error in csr_matrix_sort", in_row, in_row,
+                                             in_row, in_row, shrinking, shrinking}));
+}
+
+TEST(Sort, OfAPatternStopsAtEveryShortage) {
+  const auto stops = tests::refuse_each_request(
+      [] {
+        return pattern(2, {{2, 2}, {1}});
+      },
+      csr_matrix_sort, [](csr_matrix& mat) { tests::expect_releasable(mat); });
+  const std::string in_row = "allocation error in csr_matrix_sortrow_noval";
+  EXPECT_EQ(stops, (std::vector<std::string>{"allocation error in csr_matrix_sort", in_row, in_row,
+                                             "allocation error in csr_matrix_allocate"}));
+}
+
+TEST(Sort, HasSortedTheRowsBeforeTheOneItStopsAt) {
+  csr_matrix mat = real_matrix(2, {{{2, 1}, {1, 2}}, {{2, 3}, {1, 4}}});
+  tests::observed seen;
+  {
+    const tests::refuse_allocation third_row_array(3);
+    seen = observe([&] { csr_matrix_sort(mat); });
+  }
+  EXPECT_EQ(seen.stop, "allocation error in csr_matrix_sortrow");
+  EXPECT_EQ(entries_of(mat), (entry_rows{{{1, 2}, {2, 1}}, {{2, 3}, {1, 4}}}));
+}
+
+// A stable sort, then values added from the left.
+std::vector<entry> sorted_and_merged(std::vector<entry> row) {
+  std::stable_sort(row.begin(), row.end(), [](const entry& left, const entry& right) {
+    return left.column < right.column;
+  });
+  std::vector<entry> merged;
+  for (const entry& e : row) {
+    if (!merged.empty() && merged.back().column == e.column)
+      merged.back().value += e.value;
+    else
+      merged.push_back(e);
+  }
+  return merged;
+}
+
+RC_GTEST_PROP(SortProperty, IsAStableSortFollowedByAMerge, ()) {
+  const auto m = *tests::any_size();
+  const auto rows = *tests::any_rows(*tests::any_size(), m);
+  const auto spare = *rc::gen::inRange(0, 4);
+  entry_rows expected;
+  std::size_t before = 0;
+  std::size_t after = 0;
+  for (const auto& row : rows) {
+    expected.push_back(sorted_and_merged(row));
+    before += row.size();
+    after += expected.back().size();
+  }
+  csr_matrix mat = real_matrix(m, rows, spare);
+  csr_matrix bare = pattern(m, columns_of(rows), spare);
+  expect_silent([&] { csr_matrix_sort(mat); });
+  expect_silent([&] { csr_matrix_sort(bare); });
+  RC_ASSERT(entries_of(mat) == expected);
+  RC_ASSERT(columns_of(bare) == columns_of(expected));
+  const auto capacity =
+      static_cast<std::int64_t>(after) + (before == after ? std::int64_t{spare} : 0);
+  RC_ASSERT(mat.ja.length() == capacity);
+  RC_ASSERT(mat.a.length() == capacity);
+  RC_ASSERT(bare.ja.length() == capacity);
+}
+
+}  // namespace
