@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "free_layout.hpp"
 
+#include "fields.hpp"
+
 #include <csr_matrix_mod/support.hpp>
 
 namespace csr_matrix_mod {
@@ -18,6 +20,13 @@ void free_layout::put(std::string_view text) {
 void free_layout::put(std::int32_t value) {
   separate(item::other);
   line_ += int2str(value, 11);
+}
+
+void free_layout::put(double value) {
+  separate(item::other);
+  char field[list_directed.width];
+  put_general(field, value, list_directed);
+  line_.append(field, sizeof field);
 }
 
 void free_layout::put(bool value) {

@@ -18,6 +18,7 @@ class free_layout {
   void put(std::string_view text);
   void put(const char* text) { put(std::string_view(text)); }
   void put(std::int32_t value);  // 11 columns
+  void put(double value);        // 25 columns, 17 digits
   void put(bool value);          // T or F
 
  private:

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include <csr_matrix_mod/support.hpp>
+#include "fields.hpp"
 
-#include <charconv>
+#include <csr_matrix_mod/support.hpp>
 
 namespace csr_matrix_mod {
 
@@ -13,12 +13,9 @@ std::int32_t digit(std::int32_t value) {
 
 std::string int2str(std::int32_t value, std::int32_t nd) {
   if (nd <= 0) return {};
-  char text[12];  // a sign and ten digits
-  const auto [end, error] = std::to_chars(text, text + sizeof text, value);
-  const auto width = static_cast<std::size_t>(nd);
-  const auto length = static_cast<std::size_t>(end - text);
-  if (length > width) return std::string(width, '*');
-  return std::string(width - length, ' ').append(text, length);
+  std::string text(static_cast<std::size_t>(nd), ' ');
+  put_integer(text.data(), value, nd);
+  return text;
 }
 
 }  // namespace csr_matrix_mod

@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: MIT
+// Numbers in fields of fixed width, as a Fortran processor writes and reads them.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string_view>
+
+namespace csr_matrix_mod {
+
+// The decimal text of `value`, right-justified in `width` columns from `to` on; all asterisks if it
+// does not fit. Returns the column after the field.
+char* put_integer(char* to, std::int32_t value, int width) noexcept;
+
+// General editing: fixed notation with `digits` significant digits and as many blanks behind as an
+// exponent takes, or exponent form where the magnitude is below 0.1 or has more digits.
+struct general_form {
+  int width;
+  int digits;            // at most 17
+  int digits_in_front;   // in exponent form: 0 for 0.15E+01, 1 for 1.5E+000
+  int exponent_columns;  // the letter and the sign included
+};
+inline constexpr general_form g20_8{20, 8, 0, 4};
+inline constexpr general_form g12_4{12, 4, 0, 4};
+inline constexpr general_form list_directed{25, 17, 1, 5};
+char* put_general(char* to, double value, const general_form& form) noexcept;
+
+// The number that the columns of a field hold, or nothing if they hold none. Blanks are ignored,
+// blanks alone are 0, and a comma ends the field.
+[[nodiscard]] std::optional<std::int32_t> integer_in(std::string_view columns) noexcept;
+
+// As above. Without a decimal point the last `implied_digits` digits are the fraction; an exponent
+// has a letter (E, D or Q), a sign, or both.
+[[nodiscard]] std::optional<double> value_in(std::string_view columns, int implied_digits) noexcept;
+
+// The truth value that a line in free form begins with: T, F, .T or .F in either case, whatever
+// follows.
+[[nodiscard]] std::optional<bool> truth_in(std::string_view line) noexcept;
+
+// Nothing but blanks (tabs and carriage returns included)?
+[[nodiscard]] bool is_blank(std::string_view line) noexcept;
+
+}  // namespace csr_matrix_mod
