@@ -1,0 +1,107 @@
+// SPDX-License-Identifier: MIT
+// Reading a matrix file: the body that every reader shares, and the reader that fills the caller's
+// own storage.
+#include "form_word.hpp"
+#include "matrix_encodings.hpp"
+#include "unit_table.hpp"
+
+#include <csr_matrix_mod/io.hpp>
+
+#include <algorithm>
+#include <limits>
+
+namespace csr_matrix_mod {
+
+namespace {
+
+// Nothing is allocated. Only what would be written outside of the storage is refused.
+class given_storage final : public entry_storage {
+ public:
+  [[nodiscard]] reading manner() const override { return reading::lenient; }
+
+  void make_room_for_row_starts(matrix_file& file, csr_matrix& mat) const override {
+    if (mat.n < 0) file.refuse(file.place_of_sizes(), "0 rows or more", std::to_string(mat.n));
+    const std::int64_t starts = std::int64_t{mat.n} + 1;
+    if (mat.ia.length() < starts)
+      file.refuse(file.place_of_sizes(), "at most " + room_text(mat.ia.length() - 1, "rows", "ia"),
+                  std::to_string(mat.n));
+  }
+
+  // A row that ends before it begins transfers nothing, so it needs no room.
+  void make_room_for_entries(matrix_file& file, csr_matrix& mat) const override {
+    const std::int64_t nnz = std::int64_t{mat.ia(std::int64_t{mat.n} + 1)} - 1;
+    const bool values = mat.type == matrix_real;
+    for (std::int32_t i = 1; i <= mat.n; ++i) {
+      const std::int64_t first = mat.ia(i);
+      const std::int64_t last = std::int64_t{mat.ia(std::int64_t{i} + 1)} - 1;
+      if (first > last) continue;
+      if (first < 1)
+        file.refuse(file.place_of_row_start(i), "a row start of 1 or more", std::to_string(first));
+      require_room(file, std::int64_t{i} + 1, last, mat.ja.length(), "ja");
+      if (values) require_room(file, std::int64_t{i} + 1, last, mat.a.length(), "a");
+    }
+    require_room(file, std::int64_t{mat.n} + 1, nnz, mat.ja.length(), "ja");
+    if (values) require_room(file, std::int64_t{mat.n} + 1, nnz, mat.a.length(), "a");
+  }
+
+  [[nodiscard]] column_range columns_of(const csr_matrix& /*mat*/) const override {
+    return {std::numeric_limits<std::int32_t>::min(), std::numeric_limits<std::int32_t>::max()};
+  }
+
+ private:
+  static std::string room_text(std::int64_t room, std::string_view items, std::string_view array) {
+    return std::to_string(std::max<std::int64_t>(room, 0))
+        .append(" ")
+        .append(items)
+        .append(", the room in ")
+        .append(array);
+  }
+
+  static void require_room(const matrix_file& file, std::int64_t i, std::int64_t entries,
+                           std::int64_t room, std::string_view array) {
+    if (entries > room)
+      file.refuse(file.place_of_row_start(i), "at most " + room_text(room, "entries", array),
+                  std::to_string(entries));
+  }
+};
+
+}  // namespace
+
+std::optional<encoding> encoding_of(std::optional<std::string_view> form) {
+  if (!form) return encoding::text;
+  if (is_word(*form, "unformatted")) return encoding::unformatted;
+  return {};
+}
+
+std::unique_ptr<matrix_file> open_matrix_file(byte_source& source, encoding code, reading manner) {
+  return code == encoding::text ? open_text_matrix_file(source, manner)
+                                : open_record_matrix_file(source, manner);
+}
+
+void read_matrix(byte_source& source, encoding code, const entry_storage& storage,
+                 csr_matrix& mat) {
+  const std::unique_ptr<matrix_file> file = open_matrix_file(source, code, storage.manner());
+  file->read_type(mat.type);
+  file->read_sizes(mat.n, mat.m);
+  storage.make_room_for_row_starts(*file, mat);
+  file->read_row_starts(mat.ia.data(), std::int64_t{mat.n} + 1);
+  storage.make_room_for_entries(*file, mat);
+  file->read_columns(mat, storage.columns_of(mat));
+  file->read_values(mat);
+  file->finish();
+}
+
+void csr_matrix_read(std::string_view filename, csr_matrix& mat,
+                     std::optional<std::string_view> form) {
+  connected_unit unit(filename, direction::reading);
+  const std::optional<encoding> code = encoding_of(form);
+  if (!code) {
+    unit.leave_open();
+    stop(unknown_form);
+  }
+  byte_source source(unit.file(), filename);
+  read_matrix(source, *code, given_storage(), mat);
+  unit.leave_open();
+}
+
+}  // namespace csr_matrix_mod

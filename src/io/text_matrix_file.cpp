@@ -1,0 +1,162 @@
+// SPDX-License-Identifier: MIT
+// The text encoding: one item a line, taken from its first columns; what follows a field is passed
+// over.
+#include "../support/fields.hpp"
+#include "file_error.hpp"
+#include "matrix_encodings.hpp"
+
+#include <algorithm>
+
+namespace csr_matrix_mod {
+
+namespace {
+
+constexpr std::size_t integer_columns = 10;
+constexpr std::size_t value_columns = 20;
+constexpr int implied_digits = 8;
+
+constexpr std::string_view an_integer = "an integer in columns 1 to 10";
+constexpr std::string_view another_integer = "an integer in columns 11 to 20";
+constexpr std::string_view a_value = "a value in columns 1 to 20";
+constexpr std::string_view end_of_file = "the end of the file";
+
+std::string line_place(std::int64_t number) { return "line " + std::to_string(number); }
+
+class text_matrix_file final : public matrix_file {
+ public:
+  text_matrix_file(byte_source& source, reading manner) : source_(source), manner_(manner) {}
+
+  // Blank lines before the first item are passed over.
+  void read_type(matrix_type& type) override {
+    do next_line("a truth value, T or F", 1);
+    while (is_blank(line_));
+    const std::optional<bool> pattern = truth_in(line_);
+    if (!pattern) refuse_line("a truth value, T or F", line_);
+    type = *pattern ? matrix_structure_only : matrix_real;
+  }
+
+  // A comma ends a field before its last column, and the next field begins behind it.
+  void read_sizes(std::int32_t& n, std::int32_t& m) override {
+    next_line("n and m in columns 1 to 20", integer_columns + 1);
+    line_of_sizes_ = source_.line_number();
+    const std::string_view first = line_.substr(0, integer_columns);
+    n = integer_of(first, an_integer);
+    const std::size_t comma = first.find(',');
+    const std::size_t next = comma == std::string_view::npos ? first.size() : comma + 1;
+    m = integer_of(line_.substr(next, integer_columns), another_integer);
+  }
+
+  void read_row_starts(std::int32_t* ia, std::int64_t count) override {
+    for (std::int64_t i = 0; i < count; ++i) ia[i] = next_integer();
+  }
+
+  void read_columns(csr_matrix& mat, column_range within) override {
+    std::int32_t* const columns = mat.ja.data();
+    for_each_line(mat, [&](std::int32_t k) {
+      const std::int32_t j = next_integer();
+      if (j < within.first || j > within.last)
+        refuse_line(
+            "a column from " + std::to_string(within.first) + " to " + std::to_string(within.last),
+            std::to_string(j));
+      columns[k - 1] = j;
+    });
+  }
+
+  void read_values(csr_matrix& mat) override {
+    if (mat.type == matrix_structure_only) return;
+    double* const values = mat.a.data();
+    for_each_line(mat, [&](std::int32_t k) {
+      next_line(a_value, value_columns);
+      const std::string_view field = line_.substr(0, value_columns);
+      const std::optional<double> value = value_in(field, implied_digits);
+      if (!value) refuse_field(a_value, field);
+      values[k - 1] = *value;
+    });
+  }
+
+  void finish() override {
+    if (manner_ == reading::lenient) return;
+    while (source_.next_line(line_))
+      if (!is_blank(line_)) refuse_field(end_of_file, line_);
+  }
+
+  // A row start or a column takes a digit and the end of its line at least, a value may be blank;
+  // the last line need not end.
+  [[nodiscard]] std::int64_t least_bytes_of_row_starts(std::int64_t count) const override {
+    return 2 * count - 1;
+  }
+  [[nodiscard]] std::int64_t least_bytes_of_entries(std::int64_t nnz,
+                                                    matrix_type type) const override {
+    return (type == matrix_structure_only ? 2 : 3) * nnz - 1;
+  }
+  [[nodiscard]] std::int64_t bytes_left() override { return source_.bytes_left(); }
+
+  [[nodiscard]] std::string place_of_sizes() const override { return line_place(line_of_sizes_); }
+  [[nodiscard]] std::string place_of_row_start(std::int64_t i) const override {
+    return line_place(line_of_sizes_ + i);
+  }
+
+  [[noreturn]] void refuse(std::string_view place, std::string_view expected,
+                           std::string_view found) const override {
+    refuse_item(source_, place, expected, found);
+  }
+
+ private:
+  [[noreturn]] void refuse_line(std::string_view expected, std::string_view found) const {
+    refuse(line_place(source_.line_number()), expected, found);
+  }
+  [[noreturn]] void refuse_field(std::string_view expected, std::string_view found) const {
+    refuse_line(expected, quoted(found));
+  }
+
+  // The next line, of whose first `columns` columns a strict reader must be sure.
+  void next_line(std::string_view expected, std::size_t columns) {
+    if (!source_.next_line(line_))
+      refuse(line_place(source_.line_number() + 1), expected, end_of_file);
+    if (manner_ == reading::strict && source_.line_unfinished() && line_.size() < columns)
+      refuse_line(expected, "the file cut after " + quoted(line_));
+  }
+
+  std::int32_t integer_of(std::string_view field, std::string_view expected) const {
+    const std::optional<std::int32_t> value = integer_in(field);
+    if (!value) refuse_field(expected, field);
+    return *value;
+  }
+
+  std::int32_t next_integer() {
+    next_line(an_integer, integer_columns);
+    return integer_of(line_.substr(0, integer_columns), an_integer);
+  }
+
+  // Each row is one transfer: a line an entry, and one line for a row without entries.
+  template <class Read>
+  void for_each_line(const csr_matrix& mat, const Read& read_entry) {
+    const std::int32_t* const starts = mat.ia.data();
+    for (std::int32_t i = 1; i <= mat.n; ++i) {
+      const std::int32_t first = starts[i - 1];
+      const std::int32_t end = starts[i];
+      for (std::int32_t k = first; k < end; ++k) read_entry(k);
+      if (first >= end) pass_empty_row(i);
+    }
+  }
+
+  void pass_empty_row(std::int32_t i) {
+    const auto expected = [i] { return "the empty line of row " + std::to_string(i); };
+    if (!source_.next_line(line_))
+      refuse(line_place(source_.line_number() + 1), expected(), end_of_file);
+    if (manner_ == reading::strict && !is_blank(line_)) refuse_field(expected(), line_);
+  }
+
+  byte_source& source_;
+  const reading manner_;
+  std::string_view line_;
+  std::int64_t line_of_sizes_ = 0;
+};
+
+}  // namespace
+
+std::unique_ptr<matrix_file> open_text_matrix_file(byte_source& source, reading manner) {
+  return std::make_unique<text_matrix_file>(source, manner);
+}
+
+}  // namespace csr_matrix_mod
