@@ -57,8 +57,8 @@ void csr_matrix_symmetrize_nodiag(csr_matrix& mat);
 /// stored order, then those that only `mat2` has, in stored order, each once; values that meet are
 /// added in this order. Capacity is exactly the number of entries (1 if there are none).
 /// Cost: O(n + m + entries of both); one temporary of m integers.
-/// Stops: "try to sum two matrix of different row/column size" after the line " n =  N1 N2  m =  M1
-/// M2"; "allocation error in csr_matrix_sum"; "csr_matrix_sum: COUNT entries do not fit, at most
+/// Stops: "try to sum two matrix of different row/column size" after the line " n =  N N  m =
+/// M M"; "allocation error in csr_matrix_sum"; "csr_matrix_sum: COUNT entries do not fit, at most
 /// 2147483646"; as `csr_matrix_initial` and `csr_matrix_allocate`. Warns as `csr_matrix_allocate`
 /// when there are no entries.
 void csr_matrix_sum(const csr_matrix& mat1, const csr_matrix& mat2, csr_matrix& mat3);
