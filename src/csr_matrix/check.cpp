@@ -26,7 +26,7 @@ std::optional<std::string> broken_row_start(const csr_matrix& mat) {
            " are needed";
   if (mat.ia(1) != 1) return "ia(1) is " + number(mat.ia(1)) + ", not 1";
   for (std::int32_t i = 1; i <= mat.n; ++i)
-    if (csr_matrix_num_row_entries(mat, i) < 0)
+    if (mat.ia(std::int64_t{i} + 1) < mat.ia(i))
       return "row " + number(i) + " ends before it begins: ia goes from " + number(mat.ia(i)) +
              " down to " + number(mat.ia(std::int64_t{i} + 1));
   return {};
