@@ -30,6 +30,15 @@ namespace detail {
 [[nodiscard]] void* obtain(std::size_t bytes) noexcept;
 void give_back(void* block) noexcept;
 
+// Gives a block back with its last reference, wherever a change of length has moved it to.
+struct block_owner {
+  void* block;
+  void operator()(const void* /*as_handed_over*/) const noexcept { give_back(block); }
+};
+
+// Changes the length of a storage, the leading elements kept (src/support/memory.hpp).
+struct storage_access;
+
 }  // namespace detail
 
 /// A counted, length-aware, 1-based reference to storage that may be shared.
@@ -67,7 +76,7 @@ class array_ref {
     void* const block = detail::obtain(static_cast<std::size_t>(elements) * sizeof(T));
     if (block == nullptr) return false;
     try {
-      storage_ = std::shared_ptr<T[]>(static_cast<T*>(block), detail::give_back);
+      storage_ = std::shared_ptr<T[]>(static_cast<T*>(block), detail::block_owner{block});
     } catch (const std::bad_alloc&) {  // no room for the count: the block is already given back
       return false;
     }
@@ -122,6 +131,8 @@ class array_ref {
   [[nodiscard]] const T* end() const noexcept { return data() + length_; }
 
  private:
+  friend struct detail::storage_access;
+
   std::shared_ptr<T[]> storage_;
   std::int64_t length_ = 0;
 };

@@ -42,8 +42,8 @@ std::optional<std::string> broken_storage(const csr_matrix& mat) {
 }
 
 std::optional<std::string> broken_column(const csr_matrix& mat) {
-  for (std::int32_t i = 1; i <= mat.n; ++i)
-    for (const std::int32_t j : csr_matrix_getrow(mat, i))
+  for (std::int64_t i = 1; i <= mat.n; ++i)
+    for (const std::int32_t j : csr_matrix_getrow(mat, static_cast<std::int32_t>(i)))
       if (j < 1 || j > mat.m)
         return "row " + number(i) + " has column " + number(j) + ", outside 1 to " + number(mat.m);
   return {};

@@ -6,6 +6,8 @@
 
 #include <csr_matrix_mod/products.hpp>
 
+#include <algorithm>
+
 namespace csr_matrix_mod {
 
 using products::count_entries;
@@ -23,6 +25,26 @@ std::int64_t product_size_graph(std::int32_t n, std::int32_t ncol,
                                 array_view<const std::int32_t> ib,
                                 array_view<const std::int32_t> jb) {
   return count_entries<diagonal::skipped>({n, ncol, ia, ja, ib, jb}, "matmul_size_graph");
+}
+
+std::int64_t most_product_entries(std::int32_t n, std::int32_t ncol,
+                                  array_view<const std::int32_t> ia,
+                                  array_view<const std::int32_t> ja,
+                                  array_view<const std::int32_t> ib) {
+  const std::int32_t* const left_starts = ia.data();
+  const std::int32_t* const left_columns = ja.data();
+  const std::int32_t* const right_starts = ib.data();
+  std::int64_t most = 0;
+  for (std::int64_t i = 1; i <= n; ++i) {
+    std::int64_t paths = 0;
+    const std::int32_t left_end = left_starts[i];
+    for (std::int32_t k = left_starts[i - 1]; k < left_end; ++k) {
+      const std::int32_t j = left_columns[k - 1];
+      paths += right_starts[j] - right_starts[j - 1];
+    }
+    most += std::min<std::int64_t>(paths, ncol);
+  }
+  return most;
 }
 
 void matmul_size(std::int32_t n, std::int32_t ncol, array_view<const std::int32_t> ia,

@@ -23,4 +23,10 @@ namespace csr_matrix_mod {
                                               array_view<const std::int32_t> ib,
                                               array_view<const std::int32_t> jb);
 
+// No row has more entries than paths or columns: the sum of these bounds.
+[[nodiscard]] std::int64_t most_product_entries(std::int32_t n, std::int32_t ncol,
+                                                array_view<const std::int32_t> ia,
+                                                array_view<const std::int32_t> ja,
+                                                array_view<const std::int32_t> ib);
+
 }  // namespace csr_matrix_mod

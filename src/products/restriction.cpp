@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Coarse operators r (m1 p), with and without their diagonal.
-#include "../support/entry_count.hpp"
+#include "../support/stop.hpp"
+#include "form_product.hpp"
 #include "product_size.hpp"
 
 #include <csr_matrix_mod/products.hpp>
@@ -44,9 +45,10 @@ void restriction(const csr_matrix& m1, const csr_matrix& p, const csr_matrix& r,
   csr_matrix mp;
   csr_matrix_multiply(m1, p, mp);
   csr_matrix_initial(r.n, mc, mp.m, matrix_real);
-  const std::int64_t count = form.size(r.n, mp.m, r.ia, r.ja, mp.ia, mp.ja);
-  csr_matrix_allocate(mc, entry_count(count, form.routine));
-  form.fill(r, mp, mc);
+  products::form_product(
+      mc, most_product_entries(r.n, mp.m, r.ia, r.ja, mp.ia), form.routine,
+      [&] { return form.size(r.n, mp.m, r.ia, r.ja, mp.ia, mp.ja); },
+      [&] { form.fill(r, mp, mc); });
   csr_matrix_deallocate(mp);
 }
 

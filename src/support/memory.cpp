@@ -52,6 +52,11 @@ void* obtain_zeroed(std::size_t bytes) noexcept {
   return refused(bytes) ? nullptr : with_huge_pages(std::calloc(at_least_one(bytes), 1), bytes);
 }
 
+void* resize_block(void* block, std::size_t bytes) noexcept {
+  return refused(bytes) ? nullptr
+                        : with_huge_pages(std::realloc(block, at_least_one(bytes)), bytes);
+}
+
 void give_back(void* block) noexcept { std::free(block); }
 
 void set_refusal(refusal refuse) noexcept { current_refusal.store(refuse); }

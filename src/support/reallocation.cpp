@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include <csr_matrix_mod/support.hpp>
+#include "memory.hpp"
 
-#include <algorithm>
+#include <csr_matrix_mod/support.hpp>
 
 namespace csr_matrix_mod {
 
@@ -9,11 +9,7 @@ namespace {
 
 template <class T>
 std::int32_t expand(array_ref<T>& array, std::int32_t new_length) {
-  array_ref<T> grown;
-  if (!grown.allocate(new_length)) return 1;
-  std::copy_n(array.data(), std::min(array.length(), grown.length()), grown.data());
-  array = std::move(grown);
-  return 0;
+  return detail::storage_access::resize(array, new_length) ? 0 : 1;
 }
 
 }  // namespace

@@ -13,6 +13,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -43,20 +44,22 @@ inline void expect_exact_capacity(const csr_matrix& mat) {
   }
 }
 
+// Room for the most entries that a product may have is asked for first. Where it is refused the
+// product takes two passes instead, and nobody is told.
+inline const std::optional<std::string> two_passes = std::nullopt;
+
 // Refuses the first request of `call`, then the second, and so on: the k-th refusal ends in the
 // k-th of `stops`, there are no further requests, and the result can be released each time.
-inline void expect_refusals(const std::vector<std::string>& stops,
-                            const std::function<void(csr_matrix& result)>& call) {
+// Request number `always` is refused every time besides; the first `passed` requests are not tried.
+inline void expect_refusals(const std::vector<std::optional<std::string>>& stops,
+                            const std::function<void(csr_matrix& result)>& call,
+                            int always = refuse_allocation::none, int passed = 0) {
   for (std::size_t k = 0; k <= stops.size(); ++k) {
     csr_matrix result;
-    const refuse_allocation refuse(static_cast<int>(k));
+    const refuse_allocation refuse(static_cast<int>(k) + passed, always);
     const observed seen = observe([&] { call(result); });
     ASSERT_EQ(refuse.reached(), k < stops.size()) << "request " << k;
-    if (k < stops.size()) {
-      EXPECT_EQ(seen.stop, stops[k]) << "request " << k;
-    } else {
-      EXPECT_EQ(seen.stop, std::nullopt);
-    }
+    EXPECT_EQ(seen.stop, k < stops.size() ? stops[k] : std::nullopt) << "request " << k;
     EXPECT_EQ(seen.output, "");
     EXPECT_EQ(observe([&] { csr_matrix_deallocate(result); }).stop, std::nullopt);
     EXPECT_FALSE(result.ia.allocated() || result.ja.allocated() || result.a.allocated());

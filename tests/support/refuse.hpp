@@ -11,13 +11,17 @@ namespace tests {
 
 class refuse_allocation {
  public:
-  explicit refuse_allocation(int k) {
-    countdown = k;
+  static constexpr int none = -1;
+
+  explicit refuse_allocation(int k, int another = none) {
+    requests = 0;
+    refused = k;
+    also_refused = another;
     reached_ = false;
     csr_matrix_mod::detail::set_refusal([](std::size_t) noexcept {
-      if (countdown-- != 0) return false;
-      reached_ = true;
-      return true;
+      const int request = requests++;
+      reached_ = reached_ || request == refused;
+      return request == refused || request == also_refused;
     });
   }
   refuse_allocation(const refuse_allocation&) = delete;
@@ -28,7 +32,9 @@ class refuse_allocation {
   [[nodiscard]] static bool reached() { return reached_; }
 
  private:
-  inline static int countdown = 0;
+  inline static int requests = 0;
+  inline static int refused = none;
+  inline static int also_refused = none;
   inline static bool reached_ = false;
 };
 
