@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: MIT
+// Sizes are worked out here before anything is allocated.
+#pragma once
+
+#include "failure.hpp"
+
+#include <unistd.h>
+
+#include <cstdint>
+#include <string>
+
+namespace csrmat {
+
+inline constexpr std::int64_t most_entries = 2147483646;  // the last row start is one more
+
+// factor1 * factor2 of two counts; refused when there are more than fit, which `what` names.
+inline std::int64_t fitting_product(std::int64_t factor1, std::int64_t factor2,
+                                    const std::string& what) {
+  if (factor1 != 0 && factor2 > most_entries / factor1)
+    throw failure(what + " do not fit, at most " + std::to_string(most_entries));
+  return factor1 * factor2;
+}
+
+// Refused when this machine does not have that much memory: better one line now than to be ended
+// half-way by the system.
+inline void require_memory(std::int64_t bytes, const std::string& what) {
+  constexpr std::int64_t mega = 1000000;
+  const std::int64_t present = std::int64_t{sysconf(_SC_PHYS_PAGES)} * sysconf(_SC_PAGESIZE);
+  if (bytes > present)
+    throw failure(what + " needs " + std::to_string(bytes / mega) +
+                  " MB of memory, this machine has " + std::to_string(present / mega) + " MB");
+}
+
+}  // namespace csrmat
