@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "market_lines.hpp"
 
-#include "../io/matrix_encodings.hpp"
+#include "../io/file_error.hpp"
 
 #include <algorithm>
 #include <charconv>
@@ -115,8 +115,15 @@ double market_lines::integer_value(std::size_t k) const {
   return real_value(k);
 }
 
+void market_lines::refuse_at(std::int64_t line, std::string_view expected,
+                             std::string_view found) const {
+  source_.refuse(
+      "line " +
+      std::to_string(line).append(": expected ").append(expected).append(", found ").append(found));
+}
+
 void market_lines::refuse(std::string_view expected, std::string_view found) const {
-  refuse_item(source_, "line " + std::to_string(source_.line_number()), expected, found);
+  refuse_at(source_.line_number(), expected, found);
 }
 
 void market_lines::refuse_quoted(std::string_view expected, std::string_view found) const {
@@ -124,8 +131,7 @@ void market_lines::refuse_quoted(std::string_view expected, std::string_view fou
 }
 
 void market_lines::refuse_end(std::string_view expected) const {
-  refuse_item(source_, "line " + std::to_string(source_.line_number() + 1), expected,
-              "the end of the file");
+  refuse_at(source_.line_number() + 1, expected, "the end of the file");
 }
 
 }  // namespace csr_matrix_mod

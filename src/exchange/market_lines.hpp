@@ -42,6 +42,8 @@ class market_lines {
 
  private:
   void cut_into_fields();
+  [[noreturn]] void refuse_at(std::int64_t line, std::string_view expected,
+                              std::string_view found) const;
 
   byte_source& source_;
   std::string_view text_;
