@@ -18,7 +18,6 @@ namespace {
 using namespace csr_matrix_mod;
 using tests::column_rows;
 using tests::columns_of;
-using tests::entries_of;
 using tests::entry_rows;
 using tests::observe;
 using tests::pattern;

@@ -86,6 +86,25 @@ TYPED_TEST(Expand, LeavesOtherReferencesTheOldStorage) {
   EXPECT_EQ(this->leading(second, 5), (std::vector<TypeParam>{1, 2, 3, 4, 5}));
 }
 
+TYPED_TEST(Expand, LeavesTheCallerItsWrappedStorage) {
+  std::vector<TypeParam> own = {1, 2, 3};
+  auto array = array_ref<TypeParam>::wrap(own.data(), 3);
+  EXPECT_EQ(expand(array, 2), 0);
+  EXPECT_NE(array.data(), own.data());
+  array(1) = 77;
+  EXPECT_EQ(this->leading(array, 2), (std::vector<TypeParam>{77, 2}));
+  EXPECT_EQ(own, (std::vector<TypeParam>{1, 2, 3}));
+}
+
+TYPED_TEST(Expand, KeepsTheElementsOfABlockThatMustMove) {
+  auto array = this->counting(1000);
+  auto neighbour = this->counting(1000);
+  EXPECT_EQ(expand(array, 4000000), 0);
+  EXPECT_EQ(this->leading(array, 1000), this->leading(neighbour, 1000));
+  EXPECT_EQ(expand(array, 1000), 0);
+  EXPECT_EQ(this->leading(array, 1000), this->leading(neighbour, 1000));
+}
+
 TYPED_TEST(Expand, SaysNonZeroAndLeavesTheArrayAloneWhenThereIsNoStorage) {
   auto array = this->counting(5);
   const tests::refuse_allocation refused(0);

@@ -50,6 +50,9 @@ void stop_while_std_cout_throws() {
 }
 
 struct last_words {
+  last_words() = default;
+  last_words(const last_words&) = delete;
+  last_words& operator=(const last_words&) = delete;
   ~last_words() { std::fputs("a destructor ran\n", stderr); }
 };
 
