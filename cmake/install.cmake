@@ -25,10 +25,9 @@ write_basic_package_version_file(csr_matrix_mod-config-version.cmake
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/csr_matrix_mod-config-version.cmake
         DESTINATION ${package_folder})
 
-# An installed tree may be moved, so pkg-config finds the prefix from where its own file stands.
-file(RELATIVE_PATH prefix_from_pkgconfig
-     ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
-string(REGEX REPLACE "/$" "" prefix_from_pkgconfig "${prefix_from_pkgconfig}")
+# An installed tree may be moved, so pkg-config finds all else from where its own file stands.
+file(RELATIVE_PATH includedir_from_pkgconfig
+     ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_FULL_INCLUDEDIR})
 configure_file(cmake/csr_matrix_mod.pc.in csr_matrix_mod.pc @ONLY)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/csr_matrix_mod.pc
         DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
