@@ -18,13 +18,15 @@ cd "$root"
 need_packages g++ cmake ninja-build libcli11-dev
 build_preset demo
 
-csrmat=build/demo/apps/csrmat/csrmat
+# Shows a command line of csrmat and runs it.
+csrmat() {
+  say "csrmat $*"
+  build/demo/apps/csrmat/csrmat "$@"
+}
+
 if [ -z "$matrix" ]; then
   matrix=build/demo/fem.mtx
-  say "csrmat gallery fem --out $matrix"
-  "$csrmat" gallery fem --out "$matrix"
+  csrmat gallery fem "$matrix"
 fi
-say "csrmat info $matrix"
-"$csrmat" info "$matrix"
-say "csrmat coarsen $matrix"
-"$csrmat" coarsen "$matrix"
+csrmat info "$matrix"
+csrmat coarsen "$matrix"
