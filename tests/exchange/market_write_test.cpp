@@ -100,7 +100,7 @@ TEST_F(WriteMarket, TakesNoUnit) {
 
 // All doubles, whatever their bits: subnormal, infinite, the NaN that text can tell of.
 double any_bits() {
-  const double value = std::bit_cast<double>(*rc::gen::arbitrary<std::uint64_t>());
+  const auto value = std::bit_cast<double>(*rc::gen::arbitrary<std::uint64_t>());
   return value == value ? value : std::numeric_limits<double>::quiet_NaN();
 }
 

@@ -19,7 +19,7 @@ namespace {
 using csr_matrix_mod::csr_matrix;
 
 std::string entry_text(const csr_matrix& mat, std::int32_t k) {
-  const std::string column = " " + std::to_string(mat.ja(k));
+  std::string column = " " + std::to_string(mat.ja(k));
   if (mat.type == csr_matrix_mod::matrix_structure_only) return column;
   char value[32];
   std::snprintf(value, sizeof value, "=%.17g", mat.a(k));
