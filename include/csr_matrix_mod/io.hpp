@@ -23,7 +23,8 @@ namespace csr_matrix_mod {
 /// slots are kept, nothing is allocated. The file stays open on its unit (`close_unit`). Numbers are
 /// taken from the first 10 or 20 columns of a line, blanks in them ignored, text behind them too.
 /// Cost: O(n + entries).
-/// Stops: "no vacant unit exists!"; "FILE: cannot open for reading: REASON"; any other `form` with
+/// Stops: "no vacant unit exists!"; "FILE: cannot open for reading: REASON"; "FILE: cannot read:
+/// REASON"; any other `form` with
 /// "can not read this format!" once the file is open, and leaves it so; a bad field, a short
 /// file, an item that has no room with "FILE: line N: expected ..., found ..." (or "record N"),
 /// what was read before is then in `mat`.

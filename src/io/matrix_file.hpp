@@ -41,7 +41,7 @@ struct column_range {
 // expected ..., found ...", PLACE being a line or a record.
 class matrix_file {
  public:
-  matrix_file() = default;
+  matrix_file(byte_source& source, reading manner) : source_(source), manner_(manner) {}
   matrix_file(const matrix_file&) = delete;
   matrix_file& operator=(const matrix_file&) = delete;
   virtual ~matrix_file() = default;
@@ -57,15 +57,25 @@ class matrix_file {
   [[nodiscard]] virtual std::int64_t least_bytes_of_row_starts(std::int64_t count) const = 0;
   [[nodiscard]] virtual std::int64_t least_bytes_of_entries(std::int64_t nnz,
                                                             matrix_type type) const = 0;
-  [[nodiscard]] virtual std::int64_t bytes_left() = 0;
+  [[nodiscard]] std::int64_t bytes_left() { return source_.bytes_left(); }
 
   // Where an item that was read stands.
   [[nodiscard]] virtual std::string place_of_sizes() const = 0;
   [[nodiscard]] virtual std::string place_of_row_start(std::int64_t i) const = 0;
 
   // Stops with "NAME: PLACE: expected EXPECTED, found FOUND".
-  [[noreturn]] virtual void refuse(std::string_view place, std::string_view expected,
-                                   std::string_view found) const = 0;
+  [[noreturn]] void refuse(std::string_view place, std::string_view expected,
+                           std::string_view found) const {
+    source_.refuse_item(place, expected, found);
+  }
+
+ protected:
+  [[nodiscard]] byte_source& source() const noexcept { return source_; }
+  [[nodiscard]] bool strict() const noexcept { return manner_ == reading::strict; }
+
+ private:
+  byte_source& source_;
+  const reading manner_;
 };
 
 [[nodiscard]] std::unique_ptr<matrix_file> open_matrix_file(byte_source& source, encoding code,

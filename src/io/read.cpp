@@ -7,7 +7,6 @@
 
 #include <csr_matrix_mod/io.hpp>
 
-#include <algorithm>
 #include <limits>
 
 namespace csr_matrix_mod {
@@ -22,26 +21,21 @@ class given_storage final : public entry_storage {
   void make_room_for_row_starts(matrix_file& file, csr_matrix& mat) const override {
     if (mat.n < 0) file.refuse(file.place_of_sizes(), "0 rows or more", std::to_string(mat.n));
     const std::int64_t starts = std::int64_t{mat.n} + 1;
-    if (mat.ia.length() < starts)
-      file.refuse(file.place_of_sizes(), "at most " + room_text(mat.ia.length() - 1, "rows", "ia"),
-                  std::to_string(mat.n));
+    if (starts > mat.ia.length())
+      refuse_room(file, file.place_of_sizes(), starts, "row starts in ia", mat.ia.length());
   }
 
-  // A row that ends before it begins transfers nothing, so it needs no room.
+  // A row that ends before it begins transfers nothing, so it needs no room; records transfer all
+  // entries at once.
   void make_room_for_entries(matrix_file& file, csr_matrix& mat) const override {
-    const std::int64_t nnz = std::int64_t{mat.ia(std::int64_t{mat.n} + 1)} - 1;
-    const bool values = mat.type == matrix_real;
+    const std::int32_t* const starts = mat.ia.data();
     for (std::int32_t i = 1; i <= mat.n; ++i) {
-      const std::int64_t first = mat.ia(i);
-      const std::int64_t last = std::int64_t{mat.ia(std::int64_t{i} + 1)} - 1;
-      if (first > last) continue;
-      if (first < 1)
-        file.refuse(file.place_of_row_start(i), "a row start of 1 or more", std::to_string(first));
-      require_room(file, std::int64_t{i} + 1, last, mat.ja.length(), "ja");
-      if (values) require_room(file, std::int64_t{i} + 1, last, mat.a.length(), "a");
+      if (starts[i] <= starts[i - 1]) continue;
+      if (starts[i - 1] < 1)
+        file.refuse(file.place_of_row_start(i), "1 or more", std::to_string(starts[i - 1]));
+      require_room_to(file, mat, std::int64_t{i} + 1);
     }
-    require_room(file, std::int64_t{mat.n} + 1, nnz, mat.ja.length(), "ja");
-    if (values) require_room(file, std::int64_t{mat.n} + 1, nnz, mat.a.length(), "a");
+    require_room_to(file, mat, std::int64_t{mat.n} + 1);
   }
 
   [[nodiscard]] column_range columns_of(const csr_matrix& /*mat*/) const override {
@@ -49,19 +43,20 @@ class given_storage final : public entry_storage {
   }
 
  private:
-  static std::string room_text(std::int64_t room, std::string_view items, std::string_view array) {
-    return std::to_string(std::max<std::int64_t>(room, 0))
-        .append(" ")
-        .append(items)
-        .append(", the room in ")
-        .append(array);
+  // Room for all entries before row start i.
+  static void require_room_to(const matrix_file& file, const csr_matrix& mat, std::int64_t i) {
+    const std::int64_t entries = std::int64_t{mat.ia(i)} - 1;
+    if (entries > mat.ja.length())
+      refuse_room(file, file.place_of_row_start(i), entries, "columns in ja", mat.ja.length());
+    if (mat.type == matrix_real && entries > mat.a.length())
+      refuse_room(file, file.place_of_row_start(i), entries, "values in a", mat.a.length());
   }
 
-  static void require_room(const matrix_file& file, std::int64_t i, std::int64_t entries,
-                           std::int64_t room, std::string_view array) {
-    if (entries > room)
-      file.refuse(file.place_of_row_start(i), "at most " + room_text(room, "entries", array),
-                  std::to_string(entries));
+  [[noreturn]] static void refuse_room(const matrix_file& file, const std::string& place,
+                                       std::int64_t items, std::string_view what,
+                                       std::int64_t room) {
+    file.refuse(place, "room for " + std::to_string(items).append(" ").append(what),
+                "room for " + std::to_string(room));
   }
 };
 

@@ -16,12 +16,12 @@ constexpr std::int64_t marker_bytes = 8;  // the two lengths around a record
 class record_matrix_file final : public matrix_file {
  public:
   record_matrix_file(byte_source& source, reading manner)
-      : source_(source), records_(source), manner_(manner) {}
+      : matrix_file(source, manner), records_(source) {}
 
   void read_type(matrix_type& type) override {
     std::int32_t truth = 0;
     read(&truth, integer_bytes);
-    if (manner_ == reading::strict && truth != matrix_real && truth != matrix_structure_only)
+    if (strict() && truth != matrix_real && truth != matrix_structure_only)
       refuse("record 1", "a truth value, 0 or 1", std::to_string(truth));
     type = static_cast<matrix_type>(truth);
   }
@@ -54,8 +54,8 @@ class record_matrix_file final : public matrix_file {
   }
 
   void finish() override {
-    if (manner_ == reading::lenient) return;
-    if (const std::int64_t left = source_.bytes_left(); left != 0)
+    if (!strict()) return;
+    if (const std::int64_t left = source().bytes_left(); left != 0)
       refuse("record " + std::to_string(records_.number() + 1), "the end of the file",
              std::to_string(left) + " bytes more");
   }
@@ -68,21 +68,15 @@ class record_matrix_file final : public matrix_file {
     const std::int64_t columns = nnz * integer_bytes + marker_bytes;
     return type == matrix_real ? columns + nnz * value_bytes + marker_bytes : columns;
   }
-  [[nodiscard]] std::int64_t bytes_left() override { return source_.bytes_left(); }
 
   [[nodiscard]] std::string place_of_sizes() const override { return "record 2"; }
   [[nodiscard]] std::string place_of_row_start(std::int64_t i) const override {
     return "record 3, item " + std::to_string(i);
   }
 
-  [[noreturn]] void refuse(std::string_view place, std::string_view expected,
-                           std::string_view found) const override {
-    refuse_item(source_, place, expected, found);
-  }
-
  private:
   void read(void* to, std::int64_t bytes) {
-    records_.read(to, bytes, manner_ == reading::strict ? surplus::refused : surplus::passed_over);
+    records_.read(to, bytes, strict() ? surplus::refused : surplus::passed_over);
   }
 
   // All entries are one transfer; a last row start below 1 leaves nothing to transfer.
@@ -90,9 +84,7 @@ class record_matrix_file final : public matrix_file {
     return std::max(std::int64_t{mat.ia(std::int64_t{mat.n} + 1)} - 1, std::int64_t{0});
   }
 
-  byte_source& source_;
   record_source records_;
-  const reading manner_;
 };
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include <atomic>
 #include <cstring>
 #include <filesystem>
+#include <utility>
 
 namespace csr_matrix_mod {
 
@@ -19,6 +20,12 @@ std::atomic<std::size_t> current_buffer_size{usual_buffer_size};
 std::string_view without_return(std::string_view line) {
   if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
   return line;
+}
+
+void make_buffer(scratch<char>& buffer, std::size_t bytes, std::string_view name,
+                 std::string_view failure) {
+  if (!buffer.allocate(static_cast<std::int64_t>(bytes), contents::undefined))
+    stop_at_file(name, failure, ENOMEM);
 }
 
 }  // namespace
@@ -42,8 +49,9 @@ stream open_stream(std::string_view name, direction to) {
   return file;
 }
 
-byte_source::byte_source(std::FILE* file, std::string_view name)
-    : file_(file), name_(name), buffer_(buffer_size()) {}
+byte_source::byte_source(std::FILE* file, std::string_view name) : file_(file), name_(name) {
+  make_buffer(buffer_, buffer_size(), name_, "cannot read");
+}
 
 std::size_t byte_source::read_file(void* to, std::size_t bytes) {
   errno = 0;
@@ -54,7 +62,7 @@ std::size_t byte_source::read_file(void* to, std::size_t bytes) {
 
 bool byte_source::refill() {
   next_ = 0;
-  end_ = read_file(buffer_.data(), buffer_.size());
+  end_ = read_file(buffer_.data(), capacity());
   return end_ != 0;
 }
 
@@ -92,7 +100,7 @@ std::size_t byte_source::read(void* to, std::size_t bytes) {
   while (got < bytes) {
     if (next_ == end_) {
       // What is larger than the buffer goes past it.
-      if (bytes - got >= buffer_.size()) return got + read_file(first + got, bytes - got);
+      if (bytes - got >= capacity()) return got + read_file(first + got, bytes - got);
       if (!refill()) return got;
     }
     const std::size_t piece = std::min(bytes - got, end_ - next_);
@@ -124,12 +132,21 @@ std::optional<std::int64_t> byte_source::file_bytes_left() {
   return std::max(end - here, 0L);
 }
 
+void byte_source::enlarge_buffer() {
+  scratch<char> larger;
+  make_buffer(larger, std::max(2 * capacity(), usual_buffer_size), name_, "cannot read");
+  std::memcpy(larger.data(), buffer_.data() + next_, end_ - next_);
+  end_ -= next_;
+  next_ = 0;
+  buffer_ = std::move(larger);
+}
+
 std::int64_t byte_source::bytes_left() {
   if (const auto in_file = file_bytes_left())
     return *in_file + static_cast<std::int64_t>(end_ - next_);
   for (;;) {
-    if (end_ == buffer_.size()) buffer_.resize(std::max(2 * buffer_.size(), usual_buffer_size));
-    const std::size_t got = read_file(buffer_.data() + end_, buffer_.size() - end_);
+    if (end_ == capacity()) enlarge_buffer();
+    const std::size_t got = read_file(buffer_.data() + end_, capacity() - end_);
     if (got == 0) return static_cast<std::int64_t>(end_ - next_);
     end_ += got;
   }
@@ -137,12 +154,15 @@ std::int64_t byte_source::bytes_left() {
 
 void byte_source::refuse(std::string_view what) const { stop_at_file(name_, what); }
 
-void byte_source::refuse_line(std::string_view what) const {
-  stop_at_file(name_, "line " + std::to_string(line_number_) + ": " + std::string(what));
+void byte_source::refuse_item(std::string_view place, std::string_view expected,
+                              std::string_view found) const {
+  refuse(
+      std::string(place).append(": expected ").append(expected).append(", found ").append(found));
 }
 
-byte_sink::byte_sink(std::FILE* file, std::string_view name)
-    : file_(file), name_(name), buffer_(buffer_size()) {}
+byte_sink::byte_sink(std::FILE* file, std::string_view name) : file_(file), name_(name) {
+  make_buffer(buffer_, buffer_size(), name_, "cannot write");
+}
 
 void byte_sink::write_file(const void* from, std::size_t bytes) {
   errno = 0;
@@ -150,14 +170,14 @@ void byte_sink::write_file(const void* from, std::size_t bytes) {
 }
 
 char* byte_sink::room(std::size_t bytes) {
-  if (buffer_.size() - used_ < bytes) flush();
-  if (buffer_.size() < bytes) buffer_.resize(bytes);
+  if (capacity() - used_ < bytes) flush();
+  if (capacity() < bytes) make_buffer(buffer_, bytes, name_, "cannot write");
   return buffer_.data() + used_;
 }
 
 void byte_sink::write(const void* from, std::size_t bytes) {
   if (bytes == 0) return;
-  if (bytes >= buffer_.size()) {
+  if (bytes >= capacity()) {
     flush();
     write_file(from, bytes);
     return;

@@ -3,6 +3,8 @@
 // the length of one call; the stream itself holds none, so nothing is ever left unwritten in it.
 #pragma once
 
+#include "../support/scratch.hpp"
+
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
@@ -10,7 +12,6 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace csr_matrix_mod {
 
@@ -55,18 +56,23 @@ class byte_source {
 
   [[nodiscard]] const std::string& name() const noexcept { return name_; }
 
-  // Stops with "NAME: WHAT", or "NAME: line N: WHAT" at the line given last.
+  // Stops with "NAME: WHAT", or "NAME: PLACE: expected EXPECTED, found FOUND".
   [[noreturn]] void refuse(std::string_view what) const;
-  [[noreturn]] void refuse_line(std::string_view what) const;
+  [[noreturn]] void refuse_item(std::string_view place, std::string_view expected,
+                                std::string_view found) const;
 
  private:
+  [[nodiscard]] std::size_t capacity() const noexcept {
+    return static_cast<std::size_t>(buffer_.length());
+  }
   [[nodiscard]] bool refill();
   [[nodiscard]] std::size_t read_file(void* to, std::size_t bytes);
   [[nodiscard]] std::optional<std::int64_t> file_bytes_left();
+  void enlarge_buffer();
 
   std::FILE* file_;
   std::string name_;
-  std::vector<char> buffer_;
+  scratch<char> buffer_;
   std::size_t next_ = 0;  // bytes next_ to end_ of the buffer are not given out yet
   std::size_t end_ = 0;
   std::string kept_;  // a line across a seam
@@ -92,10 +98,13 @@ class byte_sink {
 
  private:
   void write_file(const void* from, std::size_t bytes);
+  [[nodiscard]] std::size_t capacity() const noexcept {
+    return static_cast<std::size_t>(buffer_.length());
+  }
 
   std::FILE* file_;
   std::string name_;
-  std::vector<char> buffer_;
+  scratch<char> buffer_;
   std::size_t used_ = 0;
 };
 

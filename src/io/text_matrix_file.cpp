@@ -24,21 +24,21 @@ std::string line_place(std::int64_t number) { return "line " + std::to_string(nu
 
 class text_matrix_file final : public matrix_file {
  public:
-  text_matrix_file(byte_source& source, reading manner) : source_(source), manner_(manner) {}
+  using matrix_file::matrix_file;
 
   // Blank lines before the first item are passed over.
   void read_type(matrix_type& type) override {
     do next_line("a truth value, T or F", 1);
     while (is_blank(line_));
     const std::optional<bool> pattern = truth_in(line_);
-    if (!pattern) refuse_line("a truth value, T or F", line_);
+    if (!pattern) refuse_field("a truth value, T or F", line_);
     type = *pattern ? matrix_structure_only : matrix_real;
   }
 
   // A comma ends a field before its last column, and the next field begins behind it.
   void read_sizes(std::int32_t& n, std::int32_t& m) override {
     next_line("n and m in columns 1 to 20", integer_columns + 1);
-    line_of_sizes_ = source_.line_number();
+    line_of_sizes_ = source().line_number();
     const std::string_view first = line_.substr(0, integer_columns);
     n = integer_of(first, an_integer);
     const std::size_t comma = first.find(',');
@@ -75,8 +75,8 @@ class text_matrix_file final : public matrix_file {
   }
 
   void finish() override {
-    if (manner_ == reading::lenient) return;
-    while (source_.next_line(line_))
+    if (!strict()) return;
+    while (source().next_line(line_))
       if (!is_blank(line_)) refuse_field(end_of_file, line_);
   }
 
@@ -89,21 +89,15 @@ class text_matrix_file final : public matrix_file {
                                                     matrix_type type) const override {
     return (type == matrix_structure_only ? 2 : 3) * nnz - 1;
   }
-  [[nodiscard]] std::int64_t bytes_left() override { return source_.bytes_left(); }
 
   [[nodiscard]] std::string place_of_sizes() const override { return line_place(line_of_sizes_); }
   [[nodiscard]] std::string place_of_row_start(std::int64_t i) const override {
     return line_place(line_of_sizes_ + i);
   }
 
-  [[noreturn]] void refuse(std::string_view place, std::string_view expected,
-                           std::string_view found) const override {
-    refuse_item(source_, place, expected, found);
-  }
-
  private:
   [[noreturn]] void refuse_line(std::string_view expected, std::string_view found) const {
-    refuse(line_place(source_.line_number()), expected, found);
+    refuse(line_place(source().line_number()), expected, found);
   }
   [[noreturn]] void refuse_field(std::string_view expected, std::string_view found) const {
     refuse_line(expected, quoted(found));
@@ -111,9 +105,9 @@ class text_matrix_file final : public matrix_file {
 
   // The next line, of whose first `columns` columns a strict reader must be sure.
   void next_line(std::string_view expected, std::size_t columns) {
-    if (!source_.next_line(line_))
-      refuse(line_place(source_.line_number() + 1), expected, end_of_file);
-    if (manner_ == reading::strict && source_.line_unfinished() && line_.size() < columns)
+    if (!source().next_line(line_))
+      refuse(line_place(source().line_number() + 1), expected, end_of_file);
+    if (strict() && source().line_unfinished() && line_.size() < columns)
       refuse_line(expected, "the file cut after " + quoted(line_));
   }
 
@@ -142,13 +136,11 @@ class text_matrix_file final : public matrix_file {
 
   void pass_empty_row(std::int32_t i) {
     const auto expected = [i] { return "the empty line of row " + std::to_string(i); };
-    if (!source_.next_line(line_))
-      refuse(line_place(source_.line_number() + 1), expected(), end_of_file);
-    if (manner_ == reading::strict && !is_blank(line_)) refuse_field(expected(), line_);
+    if (!source().next_line(line_))
+      refuse(line_place(source().line_number() + 1), expected(), end_of_file);
+    if (strict() && !is_blank(line_)) refuse_field(expected(), line_);
   }
 
-  byte_source& source_;
-  const reading manner_;
   std::string_view line_;
   std::int64_t line_of_sizes_ = 0;
 };

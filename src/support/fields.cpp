@@ -107,6 +107,10 @@ constexpr char lower(char c) noexcept {
   return 'A' <= c && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
 
+constexpr bool is_alphanumeric(char c) noexcept {
+  return is_digit(c) || ('a' <= lower(c) && lower(c) <= 'z');
+}
+
 // The characters of a field that count.
 class field_text {
  public:
@@ -116,6 +120,7 @@ class field_text {
   }
 
   [[nodiscard]] bool empty() const noexcept { return rest_.empty(); }
+  [[nodiscard]] bool at_last_column() const noexcept { return rest_.size() == 1; }
   [[nodiscard]] char front() const noexcept { return rest_.empty() ? '\0' : rest_.front(); }
   [[nodiscard]] std::string_view with_blanks() const noexcept { return rest_; }
 
@@ -132,7 +137,15 @@ class field_text {
   std::string_view rest_;
 };
 
-// An infinity or a NaN is a word: no blank inside, and a blank behind ends the field.
+// A sign needs a column behind it, be it blank: false where there is none.
+bool pass_sign(field_text& field) noexcept {
+  if (!is_sign(field.front())) return true;
+  if (field.at_last_column()) return false;
+  field.advance();
+  return true;
+}
+
+// An infinity or a NaN is a word: no blank inside, and behind a blank come words again.
 std::optional<double> word_value(std::string_view text) noexcept {
   const auto passes = [&text](std::string_view word) {
     const bool begins =
@@ -141,21 +154,21 @@ std::optional<double> word_value(std::string_view text) noexcept {
     if (begins) text.remove_prefix(word.size());
     return begins;
   };
-  const auto ended = [&text] { return text.empty() || text.front() == ' '; };
+  const auto words_follow = [&text] {
+    return std::all_of(text.begin(), text.end(),
+                       [](char c) { return c == ' ' || is_alphanumeric(c); });
+  };
+  const auto ends = [&] { return text.empty() || (text.front() == ' ' && words_follow()); };
+
   if (passes("infinity") || passes("inf")) {
-    if (ended()) return std::numeric_limits<double>::infinity();
-    return {};
+    if (ends()) return std::numeric_limits<double>::infinity();
+  } else if (passes("nan(")) {
+    while (!text.empty() && is_alphanumeric(text.front())) text.remove_prefix(1);
+    if (passes(")") && words_follow()) return std::numeric_limits<double>::quiet_NaN();
+  } else if (passes("nan")) {
+    if (ends()) return std::numeric_limits<double>::quiet_NaN();
   }
-  if (!passes("nan")) return {};
-  if (passes("(")) {
-    while (!text.empty() &&
-           (is_digit(text.front()) || ('a' <= lower(text.front()) && lower(text.front()) <= 'z')))
-      text.remove_prefix(1);
-    if (!passes(")")) return {};
-  } else if (!ended()) {
-    return {};
-  }
-  return std::numeric_limits<double>::quiet_NaN();
+  return {};
 }
 
 // Larger exponents are refused, however many zeros lead them.
@@ -164,13 +177,10 @@ constexpr int largest_exponent = 9999;
 // The exponent that a field ends with: a letter, a sign or both, then digits.
 std::optional<int> exponent_in(field_text& field) noexcept {
   const char letter = lower(field.front());
-  if (letter == 'e' || letter == 'd' || letter == 'q')
-    field.advance();
-  else if (!is_sign(field.front()))
-    return {};
+  if (letter == 'e' || letter == 'd' || letter == 'q') field.advance();
+  if (field.empty()) return {};
   const bool negative = field.front() == '-';
-  if (is_sign(field.front())) field.advance();
-  if (!is_digit(field.front())) return {};
+  if (!pass_sign(field)) return {};
   int exponent = 0;
   for (; is_digit(field.front()); field.advance())
     exponent = std::min(10 * exponent + (field.front() - '0'), 2 * largest_exponent);
@@ -228,9 +238,7 @@ char* put_general(char* to, double value, const general_form& form) noexcept {
 std::optional<std::int32_t> integer_in(std::string_view columns) noexcept {
   field_text field(columns);
   const bool negative = field.front() == '-';
-  const bool has_sign = is_sign(field.front());
-  if (has_sign) field.advance();
-  if (field.empty() && has_sign) return {};
+  if (!pass_sign(field)) return {};
   const std::int64_t largest = std::int64_t{2147483647} + (negative ? 1 : 0);
   std::int64_t size = 0;
   for (; is_digit(field.front()); field.advance()) {
