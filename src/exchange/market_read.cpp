@@ -58,9 +58,8 @@ std::int64_t least_bytes_of_entry(const market_header& header) {
 void require_bytes(market_lines& lines, const market_header& header, const market_size& size) {
   const std::int64_t left = lines.bytes_left();
   if (size.n > rows_of_any_file && size.n > left)
-    lines.refuse_quoted(
-        "at most " + std::to_string(rows_of_any_file) + " rows in a file as short as this",
-        lines.field(1));
+    lines.refuse("at most " + std::to_string(rows_of_any_file) + " rows in a file as short as this",
+                 std::to_string(size.n));
   if (size.stored > max_entries)
     lines.refuse("at most " + std::to_string(max_entries) + " entries",
                  std::to_string(size.stored));

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // What reading a Matrix Market file promises beyond the files of tests/data: the record that it
 // replaces, files cut anywhere, shortages of storage.
+#include "../../src/io/stream.hpp"
 #include "../support/files.hpp"
 #include "../support/matrices.hpp"
 #include "../support/observe.hpp"
@@ -26,6 +27,8 @@ const std::string symmetric_head = "%%MatrixMarket matrix coordinate real symmet
 
 class ReadMarket : public testing::Test {
  protected:
+  void TearDown() override { csr_matrix_mod::set_buffer_size(0); }
+
   [[nodiscard]] std::string file(std::string_view bytes) const {
     tests::write_file(path, bytes);
     return path;
@@ -109,11 +112,22 @@ TEST_F(ReadMarket, ReadsAPipe) {
 
 TEST_F(ReadMarket, RefusesAPipeThatPromisesMoreThanItGives) {
   ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
-  csr_matrix mat;
-  std::thread writer([&] { tests::write_file(path, general_head + "3 3 2147483646\n1 1 1\n"); });
-  const auto seen = tests::observe([&] { csr_matrix_read_market(path, mat); });
-  writer.join();
-  EXPECT_EQ(seen.stop, path + ": line 2: expected 2147483646 entries, found only 6 bytes more");
+  const auto stop_of = [&](const std::string& size) {
+    csr_matrix mat;
+    std::thread writer([&] { tests::write_file(path, general_head + size + "\n1 1 1\n"); });
+    const auto seen = tests::observe([&] { csr_matrix_read_market(path, mat); });
+    writer.join();
+    return seen.stop.value_or("read");
+  };
+  for (const std::size_t bytes : {0U, 1U}) {
+    csr_matrix_mod::set_buffer_size(bytes);
+    EXPECT_EQ(stop_of("3 3 2147483646"),
+              path + ": line 2: expected 2147483646 entries, found only 6 bytes more");
+    EXPECT_EQ(stop_of("2147483646 3 1"),
+              path +
+                  ": line 2: expected at most 134217728 rows in a file as short as this, found "
+                  "2147483646");
+  }
 }
 
 // Only what may be missing is missing: the end of the last line.

@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: MIT
+#include "../../src/io/stream.hpp"
 #include "../support/files.hpp"
 #include "../support/generators.hpp"
 #include "../support/matrices.hpp"
 #include "../support/observe.hpp"
 #include "../support/refusals.hpp"
-
-#include "../../src/io/stream.hpp"
 
 #include <csr_matrix_mod/csr_matrix_mod.hpp>
 

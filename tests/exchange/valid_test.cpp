@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Every file of tests/data/valid is read as the listing beside it tells: a line for the matrix, a
 // line for each row with column=value in stored order. Adding the two files adds a test.
+#include "../../src/io/stream.hpp"
 #include "../support/observe.hpp"
 #include "data_files.hpp"
-
-#include "../../src/io/stream.hpp"
 
 #include <gtest/gtest.h>
 
