@@ -105,7 +105,10 @@ def check_table(routines):
         match = re.match(r"\| `(\w+)` \|(.*)\|$", line)
         if match:
             rows[match.group(1)] = [cell.strip() for cell in match.group(2).split("|")]
-    declared = {routine.name: routine for routine in routines if routine.header != "support"}
+    declared = {}  # of overloads the first, which may change the record
+    for routine in routines:
+        if routine.header != "support":
+            declared.setdefault(routine.name, routine)
     for name, routine in declared.items():
         if name not in rows:
             find("docs/contracts.md", f"no row for {name}")
