@@ -9,7 +9,7 @@ set -eu
 cd "$root"
 
 need_packages g++ cmake ninja-build libcli11-dev libgtest-dev librapidcheck-dev gfortran \
-  gnuplot-nox pkg-config
+  gnuplot-nox pkg-config python3
 
 build_preset asan-ubsan -D CSR_MATRIX_MOD_WARNINGS_AS_ERRORS=ON
 build_preset release -D CSR_MATRIX_MOD_WARNINGS_AS_ERRORS=ON

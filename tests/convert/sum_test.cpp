@@ -11,6 +11,7 @@
 #include <rapidcheck/gtest.h>
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -23,6 +24,9 @@ using tests::expect_silent;
 using tests::observe;
 using tests::pattern;
 using tests::real_matrix;
+
+// The storage request for the columns of both operands.
+constexpr int room_for_both = 2;
 
 using sum_routine = void (*)(const csr_matrix&, const csr_matrix&, csr_matrix&);
 
@@ -151,8 +155,8 @@ TEST(Sum, StopsAtEveryShortageWithTheOperandsUntouched) {
   };
   const entry_rows rows1{{{2, 1}, {2, 4}}, {{1, 2}}};
   const entry_rows rows2{{{1, 3}}, {}};
-  const auto stops = [&](sum_routine sum) {
-    return tests::refuse_each_request(
+  const auto stops = [&](sum_routine sum, int always) {
+    return tests::stops_by_request(
         [&] {
           return arguments{real_matrix(2, rows1), real_matrix(2, rows2), {}};
         },
@@ -161,15 +165,22 @@ TEST(Sum, StopsAtEveryShortageWithTheOperandsUntouched) {
           EXPECT_EQ(entries_of(given.mat1), rows1);
           EXPECT_EQ(entries_of(given.mat2), rows2);
           tests::expect_releasable(given.mat3);
-        });
+        },
+        always);
   };
-  const auto expected = [](const std::string& routine) {
-    return std::vector<std::string>{
-        "allocation error in csr_matrix_initial", "allocation error in " + routine,
-        "allocation error in csr_matrix_allocate", "allocation error in csr_matrix_allocate"};
-  };
-  EXPECT_EQ(stops(csr_matrix_sum), expected("csr_matrix_sum"));
-  EXPECT_EQ(stops(csr_matrix_sum_nodiag), expected("csr_matrix_sum_nodiag"));
+  const std::string row_starts = "allocation error in csr_matrix_initial";
+  const std::string entries = "allocation error in csr_matrix_allocate";
+  for (const auto& [sum, routine] : {std::pair{csr_matrix_sum, "csr_matrix_sum"},
+                                     std::pair{csr_matrix_sum_nodiag, "csr_matrix_sum_nodiag"}}) {
+    const std::string marker = std::string("allocation error in ") + routine;
+    // Room for the entries of both operands, which is cut in the end; or, where it is refused, for
+    // the entries of the sum.
+    EXPECT_EQ(stops(sum, tests::refuse_allocation::none),
+              (std::vector<std::string>{row_starts, marker, tests::no_stop, tests::no_stop, entries,
+                                        entries}));
+    EXPECT_EQ(stops(sum, room_for_both),
+              (std::vector<std::string>{row_starts, marker, tests::no_stop, entries, entries}));
+  }
 }
 
 #ifdef NDEBUG  // two thousand million entries take their time otherwise
@@ -196,6 +207,38 @@ TEST(Sum, StopsWhenItsEntriesWouldNotFit) {
   EXPECT_FALSE(mat3.ja.allocated());
 }
 #endif
+
+// Rows of every length below 40, so that vector registers are filled once, often and in part; with
+// values whose sums depend on the order of the additions.
+entry_rows ascending_rows() {
+  entry_rows rows;
+  for (std::int32_t length = 0; length < 40; ++length) {
+    auto& row = rows.emplace_back();
+    for (std::int32_t j = 1; j <= length; ++j) row.push_back({2 * j, (j % 3 - 1) * 1e15 + 0.1 * j});
+  }
+  return rows;
+}
+
+TEST(Sum, AddsRowsWithTheSameColumnsAndRowsThatDifferInOnePlace) {
+  const entry_rows rows = ascending_rows();
+  for (std::size_t place = 0; place < 40; ++place) {
+    entry_rows others = rows;
+    entry_rows repeated = rows;
+    for (auto& row : others)
+      if (place < row.size()) row[place] = {row[place].column + 1, -0.0};
+    for (auto& row : repeated)
+      if (0 < place && place < row.size()) row[place].column = row[place - 1].column;
+    for (const auto& [one, other] :
+         {std::pair(rows, others), std::pair(others, rows), std::pair(repeated, repeated)}) {
+      const csr_matrix mat1 = real_matrix(80, one);
+      const csr_matrix mat2 = real_matrix(80, other);
+      csr_matrix mat3;
+      expect_silent([&] { csr_matrix_sum(mat1, mat2, mat3); });
+      EXPECT_EQ(entries_of(mat3), tests::dense::sum(one, other, 80));
+      EXPECT_EQ(mat3.a.length(), csr_matrix_num_nz(mat3));
+    }
+  }
+}
 
 struct operands {
   std::int32_t n, m;
@@ -225,6 +268,29 @@ void expect_sum(sum_routine sum, const operands& given, const entry_rows& expect
   RC_ASSERT(bare3.ja.length() == mat3.ja.length());
   RC_ASSERT(entries_of(mat1) == given.rows1);
   RC_ASSERT(entries_of(mat2) == given.rows2);
+}
+
+void expect_same_in_two_passes(sum_routine sum, const csr_matrix& mat1, const csr_matrix& mat2) {
+  csr_matrix one;
+  csr_matrix two;
+  const auto seen = observe([&] { sum(mat1, mat2, one); });
+  tests::observed refused;
+  {
+    const tests::refuse_allocation refuse(room_for_both);
+    refused = observe([&] { sum(mat1, mat2, two); });
+  }
+  RC_PRE(csr_matrix_num_nz(one) > 0);  // else there is one way only
+  RC_ASSERT(refused.stop == std::nullopt && refused.output == seen.output);
+  RC_ASSERT(entries_of(two) == entries_of(one));
+  RC_ASSERT(two.ja.length() == one.ja.length() && two.a.length() == one.a.length());
+}
+
+RC_GTEST_PROP(SumProperty, IsTheSameInOnePassAndInTwo, ()) {
+  const operands given = any_operands();
+  const csr_matrix mat1 = real_matrix(given.m, given.rows1, given.spare);
+  const csr_matrix mat2 = real_matrix(given.m, *rc::gen::element(given.rows1, given.rows2));
+  expect_same_in_two_passes(*rc::gen::element<sum_routine>(csr_matrix_sum, csr_matrix_sum_nodiag),
+                            mat1, mat2);
 }
 
 RC_GTEST_PROP(SumProperty, IsTheAdditionPlaceByPlace, ()) {

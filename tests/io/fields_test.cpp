@@ -191,6 +191,7 @@ std::vector<double> telling_values() {
 }
 
 TEST(GeneralField, GivesTheBytesOfAFortranProgram) {
+  SKIP_WITHOUT(FORTRAN_VALUES);
   const tests::temporary_folder folder;
   const std::vector<double> values = telling_values();
   tests::write_file(folder.path("bits"),
@@ -244,6 +245,7 @@ TEST(IntegerField, OfAnythingElseIsRefused) {
 }
 
 TEST(IntegerField, IsReadAsByAFortranProgram) {
+  SKIP_WITHOUT(FORTRAN_FIELDS);
   std::vector<std::string> lines = scribbles("0123456789 +-,", 14, 4000);
   const std::vector<std::string> more = scribbles("0123456789     -,.e", 12, 4000);
   lines.insert(lines.end(), more.begin(), more.end());
@@ -288,6 +290,7 @@ TEST(ValueField, OfAnythingElseIsRefused) {
 }
 
 TEST(ValueField, IsReadAsByAFortranProgram) {
+  SKIP_WITHOUT(FORTRAN_FIELDS);
   std::vector<std::string> lines = scribbles("0123456789.+-eE ,", 22, 8000);
   for (const std::string_view letters :
        {"0123456789012345678901234567890123456789.+-dqEDQ ", "inftyINFTY -+", "nanNaN1a -",
@@ -324,6 +327,7 @@ TEST(TruthField, OfAnythingElseIsRefused) {
 }
 
 TEST(TruthField, IsReadAsByAFortranProgram) {
+  SKIP_WITHOUT(FORTRAN_FIELDS);
   expect_read_as_by_fortran(
       "truth",
       {"T",   "F",   " t",  "\tf", ".T",     ".f",     ".true.", ".FALSE.", "true", "falsch",

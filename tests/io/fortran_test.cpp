@@ -37,6 +37,7 @@ std::string written_by_fortran(const csr_matrix& mat, const std::string& layout)
 class Fortran : public ::testing::TestWithParam<const char*> {};
 
 TEST_P(Fortran, WritesTheSameBytes) {
+  SKIP_WITHOUT(FORTRAN_MATRIX_FILE);
   for (const named_matrix& each : tests::gallery())
     EXPECT_EQ(dumped(each.mat, GetParam()), written_by_fortran(each.mat, GetParam())) << each.name;
 }
@@ -46,6 +47,7 @@ INSTANTIATE_TEST_SUITE_P(Layouts, Fortran,
                          [](const auto& test) { return std::string(test.param); });
 
 TEST(FortranFiles, WrittenThereAreReadHere) {
+  SKIP_WITHOUT(FORTRAN_MATRIX_FILE);
   for (const named_matrix& each : tests::gallery()) {
     const tests::temporary_folder folder;
     tests::write_file(folder.path("text"), written_by_fortran(each.mat, "text"));
@@ -61,6 +63,7 @@ TEST(FortranFiles, WrittenThereAreReadHere) {
 }
 
 TEST(FortranFiles, OfTextWrittenHereAreReadThere) {
+  SKIP_WITHOUT(FORTRAN_MATRIX_FILE);
   for (const named_matrix& each : tests::gallery())
     EXPECT_EQ(rewritten(FORTRAN_MATRIX_FILE, dumped(each.mat), "text", "text"), dumped(each.mat))
         << each.name;
@@ -68,6 +71,7 @@ TEST(FortranFiles, OfTextWrittenHereAreReadThere) {
 
 // Records of more than 16 bytes are split.
 TEST(FortranFiles, HoldTheSameSubrecords) {
+  SKIP_WITHOUT(FORTRAN_MATRIX_FILE);
   for (const named_matrix& each : tests::gallery()) {
     csr_matrix_mod::set_subrecord_size(16);
     const std::string split = dumped(each.mat, "unformatted");
@@ -80,6 +84,7 @@ TEST(FortranFiles, HoldTheSameSubrecords) {
 }
 
 TEST(FortranFiles, OfSubrecordsAreReadHereWhateverTheirSizeThere) {
+  SKIP_WITHOUT(FORTRAN_MATRIX_FILE);
   for (const named_matrix& each : tests::gallery()) {
     const tests::temporary_folder folder;
     tests::write_file(folder.path("split"),
@@ -92,6 +97,7 @@ TEST(FortranFiles, OfSubrecordsAreReadHereWhateverTheirSizeThere) {
 }
 
 TEST(FortranFiles, HoldALongRowOnOneLineOfAListing) {
+  SKIP_WITHOUT(FORTRAN_MATRIX_FILE);
   std::vector<tests::entry> row;
   for (std::int32_t j = 1; j <= 3000; ++j) row.push_back({j, 1.0 / j});
   const csr_matrix mat = tests::real_matrix(3000, {row});

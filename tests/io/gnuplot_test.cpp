@@ -162,6 +162,7 @@ TEST(Gnuplot, StopsWhereAFileCannotBeWritten) {
 }
 
 TEST(Gnuplot, GivesTheBytesOfAFortranProgram) {
+  SKIP_WITHOUT(FORTRAN_MATRIX_FILE);
   for (const tests::named_matrix& each : tests::gallery()) {
     if (each.mat.m == 2147483647) continue;  // m+1 is the processor's affair there
     const tests::temporary_folder folder;
@@ -178,6 +179,7 @@ TEST(Gnuplot, GivesTheBytesOfAFortranProgram) {
 }
 
 TEST(Gnuplot, AcceptsTheCommandsWithoutAWordAndDrawsAPage) {
+  SKIP_WITHOUT(GNUPLOT);
   const tests::temporary_folder folder;
   const std::string name = folder.path("plot");
   tests::observe([&] { csr_matrix_dump_gnuplot(sample(), name); });

@@ -83,6 +83,7 @@ TEST(Hypergraph, DoesNotTouchTheFileWhenTheTransposeStops) {
 }
 
 TEST(Hypergraph, GivesTheBytesOfAFortranProgram) {
+  SKIP_WITHOUT(FORTRAN_MATRIX_FILE);
   for (const tests::named_matrix& each : tests::gallery()) {
     if (each.mat.m == 2147483647) continue;  // a line a column
     const tests::temporary_folder folder;

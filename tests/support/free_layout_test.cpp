@@ -40,6 +40,7 @@ TEST(FreeLayout, AppendsToWhatTheLineHolds) {
 }
 
 TEST(FreeLayout, GivesTheBytesOfAFortranProgram) {
+  SKIP_WITHOUT(FORTRAN_LINES);
   constexpr std::int32_t smallest = std::numeric_limits<std::int32_t>::min();
   constexpr std::int32_t largest = std::numeric_limits<std::int32_t>::max();
   std::string lines;

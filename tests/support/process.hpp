@@ -2,7 +2,10 @@
 // Another program as its user sees it: exit status and both streams.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace tests {
@@ -17,3 +20,9 @@ struct process_result {
 process_result run_process(const std::vector<std::string>& argv);
 
 }  // namespace tests
+
+// Skips a test by name where the program that it compares with is not on the system; its path is
+// then empty.
+#define SKIP_WITHOUT(program)            \
+  if (std::string_view(program).empty()) \
+  GTEST_SKIP() << "the program behind " #program " is missing"
