@@ -20,14 +20,13 @@ namespace csr_matrix_mod {
 /// Requires: `ia` has room for n+1 row starts, `ja` (and `a` unless structure only) for the entries.
 /// `form` is absent for text, "unformatted" for records (blanks behind it are ignored).
 /// Ensures: type, n, m, row starts, columns and values are those of the file; capacity and further
-/// slots are kept, nothing is allocated. The file stays open on its unit (`close_unit`). Numbers are
+/// slots are kept, no array is allocated. The file stays open on its unit (`close_unit`). Numbers are
 /// taken from the first 10 or 20 columns of a line, blanks in them ignored, text behind them too.
 /// Cost: O(n + entries).
 /// Stops: "no vacant unit exists!"; "FILE: cannot open for reading: REASON"; "FILE: cannot read:
-/// REASON"; any other `form` with
-/// "can not read this format!" once the file is open, and leaves it so; a bad field, a short
-/// file, an item that has no room with "FILE: line N: expected ..., found ..." (or "record N"),
-/// what was read before is then in `mat`.
+/// REASON"; any other `form` with "can not read this format!" once the file is open, and leaves it
+/// so; a bad field, a short file or an item that has no room with "FILE: line N: expected ..., found
+/// ..." (or "record N"). What was read before a stop is then in `mat`.
 void csr_matrix_read(std::string_view filename, csr_matrix& mat,
                      std::optional<std::string_view> form = {});
 
