@@ -56,7 +56,8 @@ void csr_matrix_symmetrize_nodiag(csr_matrix& mat);
 /// Ensures: `mat3` is structure only if an operand is. Each row holds the columns of `mat1` in
 /// stored order, then those that only `mat2` has, in stored order, each once; values that meet are
 /// added in this order. Capacity is exactly the number of entries (1 if there are none).
-/// Cost: O(n + m + entries of both); one temporary of m integers.
+/// Cost: O(n + m + entries of both); one temporary of m integers, and room for the entries of both
+/// until the sum is known.
 /// Stops: "try to sum two matrix of different row/column size" after the line " n =  N N  m =
 /// M M"; "allocation error in csr_matrix_sum"; "csr_matrix_sum: COUNT entries do not fit, at most
 /// 2147483646"; as `csr_matrix_initial` and `csr_matrix_allocate`. Warns as `csr_matrix_allocate`

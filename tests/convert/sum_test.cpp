@@ -170,9 +170,10 @@ TEST(Sum, StopsAtEveryShortageWithTheOperandsUntouched) {
   };
   const std::string row_starts = "allocation error in csr_matrix_initial";
   const std::string entries = "allocation error in csr_matrix_allocate";
-  for (const auto& [sum, routine] : {std::pair{csr_matrix_sum, "csr_matrix_sum"},
-                                     std::pair{csr_matrix_sum_nodiag, "csr_matrix_sum_nodiag"}}) {
-    const std::string marker = std::string("allocation error in ") + routine;
+  const std::pair<sum_routine, std::string> both[] = {
+      {csr_matrix_sum, "csr_matrix_sum"}, {csr_matrix_sum_nodiag, "csr_matrix_sum_nodiag"}};
+  for (const auto& [sum, routine] : both) {
+    const std::string marker = "allocation error in " + routine;
     // Room for the entries of both operands, which is cut in the end; or, where it is refused, for
     // the entries of the sum.
     EXPECT_EQ(stops(sum, tests::refuse_allocation::none),
