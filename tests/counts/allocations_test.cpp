@@ -1,0 +1,251 @@
+// SPDX-License-Identifier: MIT
+// What a call asks the system for, counted: an extra temporary, a copy or a growth shows here, on
+// any machine, however busy. The numbers are measured; whoever saves an allocation lowers them.
+#include "counted.hpp"
+
+#include "../support/files.hpp"
+#include "../support/matrices.hpp"
+
+#include <csr_matrix_mod/csr_matrix_mod.hpp>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <vector>
+
+namespace {
+
+using namespace csr_matrix_mod;  // NOLINT: every line below names one of its routines
+using tests::counted;
+using tests::requests;
+
+// The 5-point stencil on a square of 16 by 16 points: 256 rows, 1216 entries.
+constexpr std::int32_t side = 16;
+constexpr std::int32_t n = side * side;
+constexpr std::int32_t nnz = 5 * n - 4 * side;
+
+tests::entry_rows stencil_rows() {
+  tests::entry_rows rows(n);
+  for (std::int32_t i = 0; i < n; ++i) {
+    auto& row = rows[static_cast<std::size_t>(i)];
+    if (i >= side) row.push_back({i - side + 1, -1.0});
+    if (i % side > 0) row.push_back({i, -1.0});
+    row.push_back({i + 1, 4.0});
+    if (i % side < side - 1) row.push_back({i + 2, -1.0});
+    if (i < n - side) row.push_back({i + side + 1, -1.0});
+  }
+  return rows;
+}
+
+csr_matrix stencil() { return tests::real_matrix(n, stencil_rows()); }
+
+csr_matrix stencil_pattern() { return tests::pattern(n, tests::columns_of(stencil_rows())); }
+
+// Every four points in a row become one.
+csr_matrix aggregates() {
+  tests::entry_rows rows(n);
+  for (std::int32_t i = 0; i < n; ++i)
+    rows[static_cast<std::size_t>(i)].push_back({i / 4 + 1, 1.0});
+  return tests::real_matrix(n / 4, rows);
+}
+
+// The stencil with its columns backwards.
+csr_matrix backwards() {
+  tests::entry_rows rows = stencil_rows();
+  for (auto& row : rows) std::reverse(row.begin(), row.end());
+  return tests::real_matrix(n, rows);
+}
+
+// Every entry of the stencil stored twice.
+csr_matrix repeated() {
+  tests::entry_rows rows = stencil_rows();
+  for (auto& row : rows) {
+    const tests::entry_rows::value_type once = row;
+    row.insert(row.end(), once.begin(), once.end());
+  }
+  return tests::real_matrix(n, rows);
+}
+
+constexpr std::int64_t integers(std::int64_t length) { return 4 * length; }
+constexpr std::int64_t values(std::int64_t length) { return 8 * length; }
+
+// Row starts, columns and values of a matrix.
+constexpr std::int64_t matrix_bytes(std::int64_t of_rows, std::int64_t entries) {
+  return integers(of_rows + 1) + integers(entries) + values(entries);
+}
+
+constexpr std::int64_t rows = n;
+constexpr std::int64_t coarse = n / 4;
+constexpr std::int64_t stencil_paths = 5832;     // the scalar products of the stencil's square
+constexpr std::int64_t square_entries = 3012;    // of the stencil's square
+constexpr std::int64_t prolonged_entries = 832;  // of stencil times aggregates
+
+// Room for the most entries, and the cut to those that came out; then row starts and a marker.
+constexpr std::int64_t one_pass(std::int64_t starts, std::int64_t columns, std::int64_t most,
+                                std::int64_t entries) {
+  return matrix_bytes(starts, most) + matrix_bytes(starts, entries) - integers(starts + 1) +
+         integers(columns);
+}
+
+TEST(Allocations, OfAProductAreItsArraysTheCutAndAMarker) {
+  const csr_matrix a = stencil();
+  csr_matrix square;
+  EXPECT_EQ(counted([&] { csr_matrix_multiply(a, a, square); }),
+            (requests{6, one_pass(rows, rows, stencil_paths, square_entries)}));
+  ASSERT_EQ(csr_matrix_num_nz(square), square_entries);
+}
+
+TEST(Allocations, OfAProductOfPatternsHaveNoValues) {
+  const csr_matrix g = stencil_pattern();
+  csr_matrix square;
+  EXPECT_EQ(counted([&] { csr_matrix_multiply(g, g, square); }),
+            (requests{4, integers(rows + 1) + integers(stencil_paths) + integers(square_entries) +
+                             integers(rows)}));
+}
+
+TEST(Allocations, OfAGraphProductAreThoseOfAProduct) {
+  const csr_matrix g = stencil_pattern();
+  csr_matrix square;
+  EXPECT_EQ(counted([&] { csr_matrix_multiply_graph(g, g, square); }),
+            (requests{6, one_pass(rows, rows, stencil_paths, square_entries - rows)}));
+}
+
+TEST(Allocations, OfARestrictionAreThoseOfItsTwoProducts) {
+  const csr_matrix a = stencil();
+  const csr_matrix p = aggregates();
+  csr_matrix r;
+  csr_matrix_transpose(p, r);
+  csr_matrix mc;
+  EXPECT_EQ(counted([&] { csr_matrix_restriction(a, p, r, mc); }),
+            (requests{12, one_pass(rows, coarse, nnz, prolonged_entries) +
+                              one_pass(coarse, coarse, prolonged_entries, 280)}));
+  csr_matrix gc;
+  EXPECT_EQ(counted([&] { csr_matrix_graph_restriction(a, p, r, gc); }),
+            (requests{12, one_pass(rows, coarse, nnz, prolonged_entries) +
+                              one_pass(coarse, coarse, prolonged_entries, 280 - coarse)}));
+}
+
+TEST(Allocations, OfASumAreItsArraysTheCutAndAMarker) {
+  const csr_matrix a = stencil();
+  csr_matrix sum;
+  EXPECT_EQ(counted([&] { csr_matrix_sum(a, a, sum); }),
+            (requests{6, one_pass(rows, rows, 2 * nnz, nnz)}));
+}
+
+TEST(Allocations, OfATransposeAreItsArraysAndACursor) {
+  const csr_matrix a = stencil();
+  csr_matrix t;
+  EXPECT_EQ(counted([&] { csr_matrix_transpose(a, t); }),
+            (requests{4, matrix_bytes(rows, nnz) + integers(rows)}));
+}
+
+TEST(Allocations, OfSymmetrizingAreThoseOfTransposeAndSum) {
+  csr_matrix a = stencil();
+  EXPECT_EQ(counted([&] { csr_matrix_symmetrize(a); }),
+            (requests{10, matrix_bytes(rows, nnz) + integers(rows) +
+                              one_pass(rows, rows, 2 * nnz, nnz)}));
+}
+
+TEST(Allocations, OfACopyAreItsArrays) {
+  const csr_matrix a = stencil();
+  csr_matrix copy;
+  EXPECT_EQ(counted([&] { csr_matrix_assign(copy, a); }), (requests{3, matrix_bytes(rows, nnz)}));
+}
+
+TEST(Allocations, OfSortingAreTwoARowAndTheRowStarts) {
+  csr_matrix b = backwards();
+  const requests sorting = counted([&] { csr_matrix_sort(b); });
+  EXPECT_EQ(sorting, (requests{1 + 2 * rows, matrix_bytes(rows, nnz)}));
+  EXPECT_EQ(counted([&] { csr_matrix_sort(b); }), sorting);  // already sorted
+}
+
+TEST(Allocations, OfSortingWithRepeatsAddTheCut) {
+  csr_matrix twice = repeated();
+  EXPECT_EQ(counted([&] { csr_matrix_sort(twice); }),
+            (requests{3 + 2 * rows, matrix_bytes(rows, 2 * nnz) + integers(nnz) + values(nnz)}));
+}
+
+TEST(Allocations, OfCleaningAreAMarkerTheRowStartsAndTheCut) {
+  csr_matrix twice = repeated();
+  EXPECT_EQ(counted([&] { csr_matrix_clean(twice); }),
+            (requests{4, matrix_bytes(rows, nnz) + integers(rows)}));
+}
+
+TEST(Allocations, OfCondensingAreOneBlockTheClassesTheWeightsAndTheCut) {
+  csr_matrix g = stencil_pattern();
+  std::vector<std::int32_t> weights(n, 1);
+  EXPECT_EQ(
+      counted([&] { csr_matrix_condense(g, weights); }),
+      (requests{5, integers(5 * rows) + 2 * integers(rows) + integers(rows) + integers(nnz + 1)}));
+}
+
+TEST(Allocations, OfTheSymmetryTestAreATransposeAndAMarker) {
+  const csr_matrix a = stencil();
+  EXPECT_EQ(counted([&] { EXPECT_TRUE(matrix_is_struct_symmetric(a)); }),
+            (requests{5, matrix_bytes(rows, nnz) + 2 * integers(rows)}));
+}
+
+TEST(Allocations, OfCoordinateListsAreTheListsAndBackTheArraysAndACursor) {
+  const csr_matrix a = stencil();
+  std::int32_t entries = 0;
+  array_ref<std::int32_t> row;
+  array_ref<std::int32_t> col;
+  array_ref<double> val;
+  EXPECT_EQ(counted([&] { csr_matrix_to_coo(a, entries, row, col, val); }),
+            (requests{3, 2 * integers(nnz) + values(nnz)}));
+  csr_matrix back;
+  EXPECT_EQ(counted([&] { coo_to_csr_format(n, entries, row, col, val, back); }),
+            (requests{4, matrix_bytes(rows, nnz) + integers(rows)}));
+}
+
+TEST(Allocations, OfPlainArraysAreTheArrays) {
+  const csr_matrix a = stencil();
+  std::int32_t n_out = 0;
+  std::int32_t m_out = 0;
+  std::int32_t entries = 0;
+  array_ref<std::int32_t> ia;
+  array_ref<std::int32_t> ja;
+  array_ref<double> values_out;
+  EXPECT_EQ(counted([&] { csr_to_csr_arrays(a, n_out, m_out, entries, ia, ja, &values_out); }),
+            (requests{3, matrix_bytes(rows, nnz)}));
+  csr_matrix back;
+  EXPECT_EQ(counted([&] { csr_to_csr_matrix(n, n, back, ia, ja, values_out); }),
+            (requests{3, matrix_bytes(rows, nnz)}));
+}
+
+TEST(Allocations, OfVectorProductsAndDiagonalsAreNone) {
+  csr_matrix a = stencil();
+  const std::vector<double> x(n, 1.0);
+  std::vector<double> y(n);
+  const std::vector<std::int32_t> counts(n, 1);
+  std::vector<std::int32_t> sums(n);
+  EXPECT_EQ(counted([&] {
+              csr_matrix_multiply_rvector(a, x, y);
+              csr_matrix_trans_mult_rvector(a, x, y);
+              csr_matrix_multiply_ivector(a, counts, sums);
+              csr_matrix_trans_mult_ivector(a, counts, sums);
+              csr_matrix_movediag(a);
+              csr_matrix_remove_diag(a);
+            }),
+            (requests{0, 0}));
+}
+
+TEST(Allocations, OfMatrixFilesAreOneBuffer) {
+  constexpr requests one_buffer{1, 262144};
+  const tests::temporary_folder folder;
+  const csr_matrix a = stencil();
+  csr_matrix back = stencil();
+  EXPECT_EQ(counted([&] { csr_matrix_dump(folder.path("text"), a); }), one_buffer);
+  EXPECT_EQ(counted([&] { csr_matrix_dump(folder.path("records"), a, "unformatted"); }),
+            one_buffer);
+
+  const std::int32_t unit = vacant_unit();
+  EXPECT_EQ(counted([&] { csr_matrix_read(folder.path("text"), back); }), one_buffer);
+  close_unit(unit);
+  EXPECT_EQ(counted([&] { csr_matrix_read(folder.path("records"), back, "unformatted"); }),
+            one_buffer);
+  close_unit(unit);
+}
+
+}  // namespace
