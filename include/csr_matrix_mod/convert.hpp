@@ -36,7 +36,8 @@ void csr_matrix_transpose(const csr_matrix& mat, csr_matrix& mat_t,
 /// transpose has, ascending. Values on the diagonal are doubled. The arrays are new and the
 /// record's own: another record over the old ones keeps those. Capacity is exactly the number of
 /// entries (1 if there are none).
-/// Cost: O(n + entries); the transpose and a marker of m integers as temporaries.
+/// Cost: O(n + entries); the transpose and a marker of m integers as temporaries, n integers alone
+/// where the pattern is symmetric and rows ascend.
 /// Stops: as `csr_matrix_transpose` and `csr_matrix_sum`, with `mat` unchanged. Warns as
 /// `csr_matrix_allocate` when the transpose or the sum has no entries, and as
 /// `csr_matrix_deallocate` of an array of `mat` that was null.

@@ -116,11 +116,74 @@ TEST(Symmetrize, StopsAtEveryShortageWithTheMatrixUntouched) {
                               });
   const std::string row_starts = "allocation error in csr_matrix_initial";
   const std::string entries = "allocation error in csr_matrix_allocate";
-  // Where room for the entries of both is refused, the sum counts its own.
-  EXPECT_EQ(stops, (std::vector<std::string>{"allocation error in csr_matrix_transpose", row_starts,
-                                             entries, entries, row_starts,
-                                             "allocation error in csr_matrix_sum", tests::no_stop,
-                                             tests::no_stop, entries, entries}));
+  // Refusals of what it takes to find out whether the pattern is symmetric lead to the sum with the
+  // transpose; where room for the entries of both is refused, the sum counts its own.
+  EXPECT_EQ(stops,
+            (std::vector<std::string>{
+                tests::no_stop, tests::no_stop, "allocation error in csr_matrix_transpose",
+                row_starts, entries, entries, row_starts, "allocation error in csr_matrix_sum",
+                tests::no_stop, tests::no_stop, entries, entries}));
+}
+
+TEST(Symmetrize, OfASymmetricPatternStopsOnlyWhereTheTransposeHasNoRoomEither) {
+  // [ 1  2 ]
+  // [ 3  . ]
+  const entry_rows rows{{{1, 1}, {2, 2}}, {{1, 3}}};
+  // Room for the sum, for a cursor a row, and for its row starts and columns; each refusal leads to
+  // the sum with the transpose.
+  EXPECT_EQ(tests::stops_by_request([&] { return real_matrix(2, rows); }, csr_matrix_symmetrize,
+                                    tests::expect_releasable),
+            std::vector<std::string>(4, tests::no_stop));
+}
+
+void expect_sum_with_transpose(const entry_rows& rows, std::int32_t n) {
+  const entry_rows transposed = tests::dense::transpose(rows, n);
+  csr_matrix mat = real_matrix(n, rows, 1);
+  csr_matrix nodiag = real_matrix(n, rows);
+  csr_matrix bare = pattern(n, columns_of(rows));
+  observe([&] {
+    csr_matrix_symmetrize(mat);
+    csr_matrix_symmetrize_nodiag(nodiag);
+    csr_matrix_symmetrize(bare);
+  });
+  RC_ASSERT(entries_of(mat) == tests::dense::sum(rows, transposed, n));
+  RC_ASSERT(entries_of(nodiag) == tests::dense::union_nodiag(rows, transposed, n));
+  RC_ASSERT(columns_of(bare) == columns_of(entries_of(mat)));
+  RC_ASSERT(mat.ja.length() == std::max(csr_matrix_num_nz(mat), 1));
+  RC_ASSERT(mat.a.length() == mat.ja.length());
+  RC_ASSERT(bare.ja.length() == mat.ja.length());
+  RC_ASSERT(nodiag.a.length() == std::max(csr_matrix_num_nz(nodiag), 1));
+}
+
+// Patterns that are symmetric need no transpose, so patterns that are, and nearly are, are tried.
+RC_GTEST_PROP(SymmetrizeProperty, OfASymmetricPatternIsTheSumWithTheTransposeToo, ()) {
+  const auto n = *rc::gen::inRange<std::int32_t>(1, 13);
+  const auto lower = *tests::any_rows(n, n);
+  entry_rows rows(static_cast<std::size_t>(n));
+  for (std::int32_t i = 1; i <= n; ++i)
+    for (std::int32_t j = 1; j <= n; ++j) {
+      const auto& row = lower[static_cast<std::size_t>(std::max(i, j) - 1)];
+      const auto found = std::find_if(row.begin(), row.end(), [&](const tests::entry& e) {
+        return e.column == std::min(i, j);
+      });
+      if (found != row.end())
+        rows[static_cast<std::size_t>(i - 1)].push_back({j, found->value + 0.1 * i});
+    }
+  expect_sum_with_transpose(rows, n);
+
+  // One entry more or less, or two in another order.
+  auto& row = rows[static_cast<std::size_t>(*rc::gen::inRange<std::int32_t>(0, n))];
+  switch (*rc::gen::inRange(0, 3)) {
+    case 0:
+      row.insert(row.begin(), {*rc::gen::inRange<std::int32_t>(1, n + 1), 0.5});
+      break;
+    case 1:
+      std::reverse(row.begin(), row.end());
+      break;
+    default:
+      if (!row.empty()) row.pop_back();
+  }
+  expect_sum_with_transpose(rows, n);
 }
 
 RC_GTEST_PROP(SymmetrizeProperty, IsTheSumWithTheTranspose, ()) {
