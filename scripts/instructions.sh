@@ -1,0 +1,48 @@
+#!/bin/sh
+# SPDX-License-Identifier: MIT
+# Counts the instructions of each routine on a small fixed case under callgrind and compares them
+# with bench/instructions.txt: no clock, so no machine is too busy for it. Fails if a routine needs
+# over 3 % more than recorded. With --record the counts of today become the record.
+#
+#   scripts/instructions.sh [--record]
+set -eu
+. "$(dirname "$0")/lib/shell.sh"
+cd "$root"
+
+need_packages g++ cmake ninja-build libbenchmark-dev valgrind
+say "Building bench"
+cmake --preset bench >/dev/null
+cmake --build --preset bench --target instructions
+
+program=build/bench/bench/instructions
+record=bench/instructions.txt
+counts=build/bench/instructions.txt
+compiler=$(sed -n 's/^CMAKE_CXX_COMPILER:[A-Z]*=//p' build/bench/CMakeCache.txt)
+{
+  printf '# Instructions of one call, release, %s %s, %s\n' "$(basename "$compiler")" \
+    "$("$compiler" -dumpfullversion)" "$(uname -m)"
+  "$program" | while read -r routine on; do
+    instructions=$(valgrind --tool=callgrind --callgrind-out-file=/dev/null \
+      --toggle-collect="csr_matrix_mod::$routine(*" "$program" "$routine $on" 2>&1 |
+      sed -n 's/.*Collected : //p')
+    printf '%-40s %12s\n' "$routine $on" "$instructions"
+  done
+} >"$counts"
+
+if [ "${1:-}" = --record ]; then
+  cp "$counts" "$record"
+  cat "$record"
+  exit
+fi
+[ "$(sed 1q "$counts")" = "$(sed 1q "$record")" ] ||
+  say "Recorded for another compiler: $(sed 1q "$record")"
+awk 'NR == FNR { if (!/^#/) recorded[$1 " " $2] = $3; next }
+  /^#/ { next }
+  {
+    name = $1 " " $2
+    verdict = !(name in recorded) ? "new" : $3 > 1.03 * recorded[name] ? "MORE" : "as recorded"
+    if ($3 < 0.97 * recorded[name]) verdict = "fewer: record it"
+    if (verdict == "MORE") failed = 1
+    printf "%-40s %12d %12d  %s\n", name, $3, recorded[name], verdict
+  }
+  END { exit failed }' "$record" "$counts"
