@@ -80,7 +80,7 @@ void csr_matrix_sum_nodiag(const csr_matrix& mat1, const csr_matrix& mat2, csr_m
 /// Ensures: `mat` has m columns (the largest of col(1..nnz) if absent, 0 if there are no entries)
 /// and the given kind (values if absent). Each row keeps the order of the lists; a pair that is
 /// given twice stands there twice. Capacity is exactly nnz (1 if nnz is 0 or less).
-/// Cost: O(n + nnz); one temporary of n integers.
+/// Cost: O(n + nnz); one temporary of n integers, none for lists in row order.
 /// Stops: "allocation error in coo_to_csr_format"; "coo_to_csr_format: COUNT entries do not fit, at
 /// most 2147483646"; as `csr_matrix_initial` and `csr_matrix_allocate`. Warns as
 /// `csr_matrix_allocate` when nnz is 0 or less.

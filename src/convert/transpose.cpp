@@ -2,10 +2,12 @@
 // The transpose: a counting sort of the entries by column.
 #include "../support/entry_count.hpp"
 #include "../support/scratch.hpp"
+#include "look_ahead.hpp"
 #include "row_starts.hpp"
 
 #include <csr_matrix_mod/convert.hpp>
 
+#include <algorithm>
 #include <numeric>
 
 namespace csr_matrix_mod {
@@ -24,17 +26,21 @@ void count_columns(const csr_matrix& mat, scratch<std::int32_t>& count) {
   }
 }
 
-// Rows are visited in order, so every row of the transpose comes out sorted.
-void scatter(const csr_matrix& mat, csr_matrix& mat_t, scratch<std::int32_t>& cursors) {
+// Rows are visited in order, so every row of the transpose comes out sorted. Rows may share their
+// storage, so that fewer entries are stored than visited.
+void scatter(const csr_matrix& mat, csr_matrix& mat_t, scratch<std::int32_t>& cursors,
+             std::int32_t stored) {
   const std::int32_t* const starts = mat.ia.data();
   const std::int32_t* const columns = mat.ja.data();
   const double* const values = mat.type == matrix_real ? mat.a.data() : nullptr;
   std::int32_t* const columns_t = mat_t.ja.data();
   double* const values_t = mat_t.a.data();
   std::int32_t* const cursor = cursors.data();
+  const look_ahead look(columns, stored, cursor, columns_t, values_t);
   for (std::int64_t i = 1; i <= mat.n; ++i) {
     const std::int32_t next_row = starts[i];
     for (std::int32_t k = starts[i - 1]; k < next_row; ++k) {
+      look(k);
       const std::int32_t p = cursor[columns[k - 1] - 1]++;
       columns_t[p - 1] = static_cast<std::int32_t>(i);
       if (values != nullptr) values_t[p - 1] = values[k - 1];
@@ -58,7 +64,8 @@ void csr_matrix_transpose(const csr_matrix& mat, csr_matrix& mat_t,
 
   csr_matrix_allocate(mat_t, nnz);
   row_starts_from_counts(mat_t, count);
-  scatter(mat, mat_t, count);
+  scatter(mat, mat_t, count,
+          static_cast<std::int32_t>(std::min<std::int64_t>(nnz, mat.ja.length())));
 }
 
 }  // namespace csr_matrix_mod

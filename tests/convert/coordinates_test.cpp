@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <utility>
 
 namespace {
 
@@ -242,6 +243,59 @@ RC_GTEST_PROP(CoordinatesProperty, ThereAndBackGivesTheSameRowsInTheSameOrder, (
   RC_ASSERT(back.ja.length() == std::max(out.nnz, 1));
 }
 
+entry_rows dealt_out(std::int32_t n, const integers& row, const integers& col, const values& val) {
+  entry_rows rows(static_cast<std::size_t>(n));
+  for (std::size_t k = 0; k < row.size(); ++k)
+    rows[static_cast<std::size_t>(row[k] - 1)].push_back({col[k], val[k]});
+  return rows;
+}
+
+void expect_dealt_out(std::int32_t n, const integers& row) {
+  integers col;
+  values val;
+  for (std::size_t k = 0; k < row.size(); ++k) {
+    col.push_back(static_cast<std::int32_t>(k % 97) + 1);
+    val.push_back(static_cast<double>(k));
+  }
+  csr_matrix mat;
+  csr_matrix bare;
+  const auto nnz = static_cast<std::int32_t>(row.size());
+  expect_silent([&] { coo_to_csr_format(n, nnz, row, col, val, mat); });
+  expect_silent([&] { coo_to_csr_format(n, nnz, row, col, {}, bare, matrix_structure_only); });
+  const entry_rows expected = dealt_out(n, row, col, val);
+  EXPECT_EQ(entries_of(mat), expected);
+  EXPECT_EQ(columns_of(bare), columns_of(expected));
+  EXPECT_EQ(mat.a.length(), nnz);
+}
+
+// Lists in row order are copied, and are looked at some entries at a time to find out: rows 3, 6, 9
+// and so on with 3 entries each, one of which changes places with another row's.
+TEST(FromCoordinates, FindsTheOneEntryThatIsOutOfRowOrder) {
+  integers row;
+  for (std::int32_t k = 0; k < 2200; ++k) row.push_back(k / 3 * 3 + 3);
+  expect_dealt_out(2300, row);
+  for (std::size_t k = 3; k < row.size(); k += k % 1024 < 8 || k % 1024 > 1016 ? 1 : 211) {
+    integers one_back = row;
+    std::swap(one_back[k], one_back[k - 3]);
+    expect_dealt_out(2300, one_back);
+  }
+}
+
+// Large enough to look ahead: rows far apart, and rows near those of the entries before.
+TEST(FromCoordinates, DealsLongListsOut) {
+  constexpr std::int32_t n = 10007;
+  integers scattered;
+  integers near;
+  std::int64_t walk = 1;
+  for (std::int32_t k = 0; k < 140000; ++k) {
+    walk = walk * 48271 % 2147483647;
+    scattered.push_back(static_cast<std::int32_t>(walk % n) + 1);
+    near.push_back((k / 14 + k % 14 * 700) % n + 1);
+  }
+  expect_dealt_out(n, scattered);
+  expect_dealt_out(n, near);
+}
+
 // The lists dealt out one by one to the rows they name.
 RC_GTEST_PROP(CoordinatesProperty, DealsTheListsOutToTheRows, ()) {
   const auto n = *rc::gen::inRange<std::int32_t>(1, 9);
@@ -250,9 +304,7 @@ RC_GTEST_PROP(CoordinatesProperty, DealsTheListsOutToTheRows, ()) {
   const auto row = *rc::gen::container<integers>(count, rc::gen::inRange<std::int32_t>(1, n + 1));
   const auto col = *rc::gen::container<integers>(count, rc::gen::inRange<std::int32_t>(1, 9));
   const auto val = *tests::any_vector(nnz);
-  entry_rows expected(static_cast<std::size_t>(n));
-  for (std::size_t k = 0; k < count; ++k)
-    expected[static_cast<std::size_t>(row[k] - 1)].push_back({col[k], val[k]});
+  const entry_rows expected = dealt_out(n, row, col, val);
   csr_matrix mat;
   expect_silent([&] { coo_to_csr_format(n, nnz, row, col, val, mat); });
   RC_ASSERT(entries_of(mat) == expected);

@@ -187,6 +187,34 @@ RC_GTEST_PROP(TransposeProperty, IsTheOneWrittenPlaceByPlace, ()) {
   RC_ASSERT(entries_of(mat) == rows);
 }
 
+// Large enough to look ahead: columns far apart, and columns near those of the rows before.
+TEST(Transpose, OfALargeMatrixHoldsEveryEntryInItsColumn) {
+  constexpr std::int32_t n = 10007;
+  entry_rows scattered(n);
+  entry_rows near(n);
+  std::int64_t walk = 1;
+  for (std::int32_t i = 0; i < n; ++i)
+    for (std::int32_t k = 0; k < 14; ++k) {
+      walk = walk * 48271 % 2147483647;
+      const auto value = static_cast<double>(walk);
+      scattered[static_cast<std::size_t>(i)].push_back(
+          {static_cast<std::int32_t>(walk % n) + 1, value});
+      near[static_cast<std::size_t>(i)].push_back({(i + 700 * k) % n + 1, value});
+    }
+  for (const entry_rows& rows : {scattered, near}) {
+    entry_rows expected(n);
+    for (std::int32_t i = 1; i <= n; ++i)
+      for (const tests::entry& e : rows[static_cast<std::size_t>(i - 1)])
+        expected[static_cast<std::size_t>(e.column - 1)].push_back({i, e.value});
+    csr_matrix mat_t;
+    csr_matrix bare_t;
+    expect_silent([&] { csr_matrix_transpose(real_matrix(n, rows), mat_t); });
+    expect_silent([&] { csr_matrix_transpose(pattern(n, columns_of(rows)), bare_t); });
+    EXPECT_EQ(entries_of(mat_t), expected);
+    EXPECT_EQ(columns_of(bare_t), columns_of(expected));
+  }
+}
+
 RC_GTEST_PROP(TransposeProperty, TwiceIsTheMatrixWithEveryRowSorted, ()) {
   const auto m = *tests::any_size();
   auto rows = *tests::any_rows(*tests::any_size(), m);
