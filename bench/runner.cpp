@@ -20,17 +20,6 @@ namespace {
 
 constexpr int large_block = 128 << 10;
 
-void set_for_this_process(regime memory) {
-  if (memory == regime::fresh) {
-    ::mallopt(M_MMAP_THRESHOLD, large_block);
-    ::mallopt(M_TRIM_THRESHOLD, large_block);
-    ::mallopt(M_TOP_PAD, 0);
-  } else {
-    ::mallopt(M_MMAP_MAX, 0);
-    ::mallopt(M_TRIM_THRESHOLD, -1);
-  }
-}
-
 struct command {
   char what;
   int calls;
@@ -104,6 +93,32 @@ void serve(const maker& make, const problem& of, const answer* expected, int in,
 }  // namespace
 
 const char* name(regime memory) { return memory == regime::fresh ? "fresh" : "recycled"; }
+
+namespace {
+
+// What the regime promises, seen: a large block is one of the system's.
+void require_fresh_blocks() {
+  const std::size_t before = ::mallinfo2().hblks;
+  void* const volatile block = std::malloc(4 * large_block);  // not to be optimised away
+  const bool fresh = ::mallinfo2().hblks == before + 1;
+  std::free(block);
+  if (!fresh) throw std::runtime_error("memory does not come fresh");
+}
+
+}  // namespace
+
+void set_for_this_process(regime memory) {
+  if (memory == regime::fresh) {
+    ::mallopt(M_MMAP_MAX, 1 << 16);  // a library may have set it to 0 as it was loaded
+    ::mallopt(M_MMAP_THRESHOLD, large_block);
+    ::mallopt(M_TRIM_THRESHOLD, large_block);
+    ::mallopt(M_TOP_PAD, 0);
+    require_fresh_blocks();
+  } else {
+    ::mallopt(M_MMAP_MAX, 0);
+    ::mallopt(M_TRIM_THRESHOLD, -1);
+  }
+}
 
 void set_for_children(regime memory) {
   const bool fresh = memory == regime::fresh;

@@ -20,6 +20,10 @@ enum class regime {
 };
 const char* name(regime memory);
 
+// The process that everybody is forked from has to be fresh: what its heap had free, its children
+// would fill instead of asking the system.
+void set_for_this_process(regime memory);
+
 // Set in the environment of the programs that contestants start.
 void set_for_children(regime memory);
 
