@@ -274,7 +274,7 @@ TEST(FromCoordinates, FindsTheOneEntryThatIsOutOfRowOrder) {
   integers row;
   for (std::int32_t k = 0; k < 2200; ++k) row.push_back(k / 3 * 3 + 3);
   expect_dealt_out(2300, row);
-  for (std::size_t k = 3; k < row.size(); k += k % 1024 < 8 || k % 1024 > 1016 ? 1 : 211) {
+  for (std::size_t k = 3; k < row.size(); k += k % 1024 < 8 || k % 1024 > 1016 ? 1U : 211U) {
     integers one_back = row;
     std::swap(one_back[k], one_back[k - 3]);
     expect_dealt_out(2300, one_back);
