@@ -21,7 +21,7 @@ class record_matrix_file final : public matrix_file {
   void read_type(matrix_type& type) override {
     std::int32_t truth = 0;
     read(&truth, integer_bytes);
-    if (strict() && truth != matrix_real && truth != matrix_structure_only)
+    if (truth != matrix_real && truth != matrix_structure_only)
       refuse("record 1", "a truth value, 0 or 1", std::to_string(truth));
     type = static_cast<matrix_type>(truth);
   }

@@ -293,6 +293,13 @@ TEST_F(Read, StopsOfABadRecord) {
             "FILE: record 2: expected 0 rows or more, found -1");
 }
 
+TEST_F(Read, StopsOfATypeThatIsNeither0Nor1) {
+  for (const std::int32_t type : {2, -1, 256})
+    EXPECT_EQ(
+        stop_of(bytes_of(4, type, 4) + bytes_of(8, 0, 0, 8) + bytes_of(4, 1, 4), "unformatted"),
+        "FILE: record 1: expected a truth value, 0 or 1, found " + std::to_string(type));
+}
+
 TEST_F(Read, StopsWhereThereIsNoRoomForARecord) {
   const std::string head = bytes_of(4, 0, 4) + bytes_of(8, 1, 1, 8);
   EXPECT_EQ(stop_of(head + bytes_of(8, 1, 12, 8), "unformatted"),
