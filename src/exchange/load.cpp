@@ -51,9 +51,9 @@ class new_storage final : public entry_storage {
   static void require_rising_row_starts(const matrix_file& file, const csr_matrix& mat) {
     const std::int32_t* const starts = mat.ia.data();
     if (starts[0] != 1) file.refuse(file.place_of_row_start(1), "1", std::to_string(starts[0]));
-    for (std::int32_t i = 1; i <= mat.n; ++i)
+    for (std::int64_t i = 1; i <= mat.n; ++i)
       if (starts[i] < starts[i - 1])
-        file.refuse(file.place_of_row_start(std::int64_t{i} + 1),
+        file.refuse(file.place_of_row_start(i + 1),
                     "a row start of " + std::to_string(starts[i - 1]) + " or more",
                     std::to_string(starts[i]));
   }

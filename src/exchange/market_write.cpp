@@ -36,10 +36,10 @@ void write_entries(byte_sink& file, const csr_matrix& mat) {
   const std::int32_t* const starts = mat.ia.data();
   const std::int32_t* const columns = mat.ja.data();
   const double* const values = mat.type == matrix_real ? mat.a.data() : nullptr;
-  for (std::int32_t i = 1; i <= mat.n; ++i)
+  for (std::int64_t i = 1; i <= mat.n; ++i)
     for (std::int32_t k = starts[i - 1]; k < starts[i]; ++k) {
       char* const first = file.room(room_for_line);
-      char* to = put_number(first, i, ' ');
+      char* to = put_number(first, static_cast<std::int32_t>(i), ' ');
       to = put_number(to, columns[k - 1], values != nullptr ? ' ' : '\n');
       if (values != nullptr) to = put_number(to, values[k - 1], '\n');
       file.advance(static_cast<std::size_t>(to - first));

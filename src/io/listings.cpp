@@ -17,11 +17,11 @@ template <class Item>
 void write_each_row(byte_sink& out, const csr_matrix& mat, const Item* items) {
   const std::int32_t* const starts = mat.ia.data();
   std::string line;
-  for (std::int32_t i = 1; i <= mat.n; ++i) {
+  for (std::int64_t i = 1; i <= mat.n; ++i) {
     line.clear();
     free_layout layout(line);
     layout.put("row ");
-    layout.put(i);
+    layout.put(static_cast<std::int32_t>(i));
     layout.put(" = ");
     for (std::int32_t k = starts[i - 1]; k < starts[i]; ++k) layout.put(items[k - 1]);
     out.write(line.append("\n"));

@@ -29,11 +29,11 @@ class given_storage final : public entry_storage {
   // entries at once.
   void make_room_for_entries(matrix_file& file, csr_matrix& mat) const override {
     const std::int32_t* const starts = mat.ia.data();
-    for (std::int32_t i = 1; i <= mat.n; ++i) {
+    for (std::int64_t i = 1; i <= mat.n; ++i) {
       if (starts[i] <= starts[i - 1]) continue;
       if (starts[i - 1] < 1)
         file.refuse(file.place_of_row_start(i), "1 or more", std::to_string(starts[i - 1]));
-      require_room_to(file, mat, std::int64_t{i} + 1);
+      require_room_to(file, mat, i + 1);
     }
     require_room_to(file, mat, std::int64_t{mat.n} + 1);
   }

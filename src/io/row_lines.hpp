@@ -25,11 +25,11 @@ void write_line(byte_sink& out, int columns, const Put& put) {
 template <class Put>
 void write_row_lines(byte_sink& out, const csr_matrix& mat, int columns, const Put& put) {
   const std::int32_t* const starts = mat.ia.data();
-  for (std::int32_t i = 1; i <= mat.n; ++i) {
+  for (std::int64_t i = 1; i <= mat.n; ++i) {
     const std::int32_t first = starts[i - 1];
     const std::int32_t end = starts[i];
     for (std::int32_t k = first; k < end; ++k)
-      write_line(out, columns, [&](char* to) { return put(to, i, k); });
+      write_line(out, columns, [&](char* to) { return put(to, static_cast<std::int32_t>(i), k); });
     if (first >= end) out.write("\n");
   }
 }
