@@ -169,10 +169,9 @@ void byte_sink::write_file(const void* from, std::size_t bytes) {
   if (std::fwrite(from, 1, bytes, file_) != bytes) stop_at_file(name_, "cannot write", errno);
 }
 
-char* byte_sink::room(std::size_t bytes) {
-  if (capacity() - used_ < bytes) flush();
+void byte_sink::make_room(std::size_t bytes) {
+  flush();
   if (capacity() < bytes) make_buffer(buffer_, bytes, name_, "cannot write");
-  return buffer_.data() + used_;
 }
 
 void byte_sink::write(const void* from, std::size_t bytes) {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The two encodings of the matrix file, written.
-#include "../support/fields.hpp"
 #include "../support/free_layout.hpp"
+#include "../support/matrix_fields.hpp"
 #include "layouts.hpp"
 #include "records.hpp"
 #include "row_lines.hpp"
@@ -12,26 +12,22 @@
 namespace csr_matrix_mod {
 
 void write_text(byte_sink& out, const csr_matrix& mat) {
-  constexpr int integer_columns = 10;
   const auto put_column = [columns = mat.ja.data()](char* to, std::int32_t, std::int32_t k) {
-    return put_integer(to, columns[k - 1], integer_columns);
+    return put_i10(to, columns[k - 1]);
   };
   const auto put_value = [values = mat.a.data()](char* to, std::int32_t, std::int32_t k) {
-    return put_general(to, values[k - 1], g20_8);
+    return put_g20_8(to, values[k - 1]);
   };
 
   std::string type;
   free_layout(type).put(mat.type == matrix_structure_only);
   out.write(type.append("\n"));
-  write_line(out, 2 * integer_columns, [&](char* to) {
-    return put_integer(put_integer(to, mat.n, integer_columns), mat.m, integer_columns);
-  });
+  write_line(out, 2 * i10_columns, [&](char* to) { return put_i10(put_i10(to, mat.n), mat.m); });
   const std::int32_t* const starts = mat.ia.data();
   for (std::int64_t i = 0; i <= mat.n; ++i)
-    write_line(out, integer_columns,
-               [&](char* to) { return put_integer(to, starts[i], integer_columns); });
-  write_row_lines(out, mat, integer_columns, put_column);
-  if (mat.type != matrix_structure_only) write_row_lines(out, mat, g20_8.width, put_value);
+    write_line(out, i10_columns, [&](char* to) { return put_i10(to, starts[i]); });
+  write_row_lines(out, mat, i10_columns, put_column);
+  if (mat.type != matrix_structure_only) write_row_lines(out, mat, g20_8_columns, put_value);
 }
 
 void write_unformatted(byte_sink& out, const csr_matrix& mat) {

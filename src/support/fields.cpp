@@ -27,17 +27,6 @@ char* put_right(char* to, std::string_view text, int width) noexcept {
   return to + columns;
 }
 
-// 10 to the power of -1, 0, 1, ...
-constexpr std::array<double, 19> powers_of_ten = {1e-1, 1e0,  1e1,  1e2,  1e3,  1e4,  1e5,
-                                                  1e6,  1e7,  1e8,  1e9,  1e10, 1e11, 1e12,
-                                                  1e13, 1e14, 1e15, 1e16, 1e17};
-
-// The smallest magnitude that rounds to 10**k when `digits` digits are kept.
-double rounds_to_power(int k, int digits) noexcept {
-  const double half_of_last_digit = 0.5 / powers_of_ten[static_cast<std::size_t>(digits + 1)];
-  return powers_of_ten[static_cast<std::size_t>(k + 1)] * (1.0 - half_of_last_digit);
-}
-
 constexpr int exponent_form = -1;
 
 // How many digits stand before the decimal point in fixed notation, or `exponent_form`.

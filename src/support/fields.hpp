@@ -2,6 +2,8 @@
 // Numbers in fields of fixed width, as a Fortran processor writes and reads them.
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string_view>
@@ -24,6 +26,17 @@ inline constexpr general_form g20_8{20, 8, 0, 4};
 inline constexpr general_form g12_4{12, 4, 0, 4};
 inline constexpr general_form list_directed{25, 17, 1, 5};
 char* put_general(char* to, double value, const general_form& form) noexcept;
+
+// 10 to the power of -1, 0, 1, ...
+inline constexpr std::array<double, 19> powers_of_ten = {1e-1, 1e0,  1e1,  1e2,  1e3,  1e4,  1e5,
+                                                         1e6,  1e7,  1e8,  1e9,  1e10, 1e11, 1e12,
+                                                         1e13, 1e14, 1e15, 1e16, 1e17};
+
+// The smallest magnitude that general editing takes for 10**k when it keeps `digits` digits.
+constexpr double rounds_to_power(int k, int digits) noexcept {
+  const double half_of_last_digit = 0.5 / powers_of_ten[static_cast<std::size_t>(digits + 1)];
+  return powers_of_ten[static_cast<std::size_t>(k + 1)] * (1.0 - half_of_last_digit);
+}
 
 // The number that the columns of a field hold, or nothing if they hold none. Blanks are ignored,
 // blanks alone are 0, and a comma ends the field.

@@ -41,6 +41,7 @@ class scratch {
   }
 
   [[nodiscard]] T* data() noexcept { return storage_.get(); }
+  [[nodiscard]] const T* data() const noexcept { return storage_.get(); }
   [[nodiscard]] T* begin() noexcept { return data(); }
   [[nodiscard]] T* end() noexcept { return data() + length_; }
   [[nodiscard]] std::int64_t length() const noexcept { return length_; }

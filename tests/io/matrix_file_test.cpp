@@ -171,7 +171,7 @@ TEST(MatrixFile, IsTheSameWhateverTheSizeOfTheBuffer) {
   for (const tests::named_matrix& each : tests::gallery())
     for (const auto& form : {text, records}) {
       const std::string expected = tests::dumped(each.mat, form);
-      for (const std::size_t buffer : {1U, 2U, 3U, 7U}) {
+      for (const std::size_t buffer : {1U, 2U, 3U, 7U, 30U, 64U}) {
         const seams small(buffer, 0);
         EXPECT_EQ(tests::dumped(each.mat, form), expected) << each.name;
         EXPECT_EQ(tests::dumped(round_trip(each.mat, form).read, form), expected) << each.name;
