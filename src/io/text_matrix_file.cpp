@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The text encoding: one item a line, taken from its first columns; what follows a field is passed
 // over.
-#include "../support/fields.hpp"
+#include "../support/matrix_fields.hpp"
 #include "file_error.hpp"
 #include "matrix_encodings.hpp"
 
@@ -11,8 +11,8 @@ namespace csr_matrix_mod {
 
 namespace {
 
-constexpr std::size_t integer_columns = 10;
-constexpr std::size_t value_columns = 20;
+constexpr std::size_t integer_columns = i10_columns;
+constexpr std::size_t value_columns = g20_8_columns;
 constexpr int implied_digits = 8;
 
 constexpr std::string_view an_integer = "an integer in columns 1 to 10";
@@ -65,13 +65,7 @@ class text_matrix_file final : public matrix_file {
   void read_values(csr_matrix& mat) override {
     if (mat.type == matrix_structure_only) return;
     double* const values = mat.a.data();
-    for_each_line(mat, [&](std::int32_t k) {
-      next_line(a_value, value_columns);
-      const std::string_view field = line_.substr(0, value_columns);
-      const std::optional<double> value = value_in(field, implied_digits);
-      if (!value) refuse_field(a_value, field);
-      values[k - 1] = *value;
-    });
+    for_each_line(mat, [&](std::int32_t k) { values[k - 1] = next_value(); });
   }
 
   void finish() override {
@@ -117,16 +111,35 @@ class text_matrix_file final : public matrix_file {
     return *value;
   }
 
+  // Fields in the form that is written hold no line feed, so theirs is a whole line.
   std::int32_t next_integer() {
+    if (const char* const field = source().line_of(integer_columns))
+      if (const std::optional<std::int32_t> value = quick_i10(field)) {
+        source().pass_line(integer_columns);
+        return *value;
+      }
     next_line(an_integer, integer_columns);
     return integer_of(line_.substr(0, integer_columns), an_integer);
+  }
+
+  double next_value() {
+    if (const char* const field = source().line_of(value_columns))
+      if (const std::optional<double> value = quick_g20_8(field)) {
+        source().pass_line(value_columns);
+        return *value;
+      }
+    next_line(a_value, value_columns);
+    const std::string_view field = line_.substr(0, value_columns);
+    const std::optional<double> value = value_in(field, implied_digits);
+    if (!value) refuse_field(a_value, field);
+    return *value;
   }
 
   // Each row is one transfer: a line an entry, and one line for a row without entries.
   template <class Read>
   void for_each_line(const csr_matrix& mat, const Read& read_entry) {
     const std::int32_t* const starts = mat.ia.data();
-    for (std::int32_t i = 1; i <= mat.n; ++i) {
+    for (std::int64_t i = 1; i <= mat.n; ++i) {
       const std::int32_t first = starts[i - 1];
       const std::int32_t end = starts[i];
       for (std::int32_t k = first; k < end; ++k) read_entry(k);
@@ -134,7 +147,7 @@ class text_matrix_file final : public matrix_file {
     }
   }
 
-  void pass_empty_row(std::int32_t i) {
+  void pass_empty_row(std::int64_t i) {
     const auto expected = [i] { return "the empty line of row " + std::to_string(i); };
     if (!source().next_line(line_))
       refuse(line_place(source().line_number() + 1), expected(), end_of_file);
