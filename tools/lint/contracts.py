@@ -6,7 +6,8 @@ For every routine that a public header declares:
   - its contract block has a purpose, then Requires, Ensures, Cost and Stops, in this order;
   - docs/contracts.md has one row for it (routines over records), and the row's "in place" agrees
     with the declaration;
-  - every message quoted under Stops is asserted somewhere in the tests.
+  - every message quoted under Stops is asserted somewhere in the tests;
+  - tests/same_bits runs it.
 Prints one line a finding; silent and 0 when there is none.
 """
 
@@ -119,6 +120,13 @@ def check_table(routines):
         find("docs/contracts.md", f"{name} is declared in no header")
 
 
+def check_same_bits(routines):
+    text = "\n".join(path.read_text() for path in (ROOT / "tests" / "same_bits").glob("*.cpp"))
+    for routine in routines:
+        if not re.search(rf"\b{routine.name}\(", text):
+            find(routine.where(), f"{routine.name} is not run by tests/same_bits")
+
+
 def main():
     routines = [routine for chapter in CHAPTERS for routine in routines_of(chapter)]
     if len(routines) < 50:
@@ -130,6 +138,7 @@ def main():
             if message not in asserted:
                 find(routine.where(), f"{routine.name}: no test asserts '{message}'")
     check_table(routines)
+    check_same_bits(routines)
     print("\n".join(findings), end="\n" if findings else "")
     return 1 if findings else 0
 
