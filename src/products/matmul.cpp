@@ -1,53 +1,20 @@
 // SPDX-License-Identifier: MIT
 // The second pass of a product. One walk serves all: what differs is whether the diagonal is
 // skipped, whether there are values, and what a path is worth.
+#include "path_values.hpp"
 #include "product_walk.hpp"
 
 #include <csr_matrix_mod/products.hpp>
 
 namespace csr_matrix_mod {
 
-namespace {
-
 using products::diagonal;
+using products::middle_vertex;
+using products::no_values;
+using products::paths_counted;
 using products::store_entries;
-
-struct no_values {
-  void set(std::int32_t, double) const {}
-  void add(std::int32_t, double) const {}
-};
-
-struct sums {
-  double* ac;
-
-  void set(std::int32_t at, double value) const { ac[at - 1] = value; }
-  void add(std::int32_t at, double value) const { ac[at - 1] = value + ac[at - 1]; }
-};
-
-// A path is worth the product of the values on it.
-struct values_multiplied {
-  const double* a;
-  const double* b;
-
-  [[nodiscard]] double over(std::int32_t k, std::int32_t) const { return a[k - 1]; }
-  [[nodiscard]] double along(double left, std::int32_t l) const { return left * b[l - 1]; }
-};
-
-// A path is worth 1, so that paths are counted.
-struct paths_counted {
-  [[nodiscard]] double over(std::int32_t, std::int32_t) const { return 1.0; }
-  [[nodiscard]] double along(double one, std::int32_t) const { return one; }
-};
-
-// A path is worth the weight of the vertex that it leads over.
-struct middle_vertex {
-  const std::int32_t* wgt;
-
-  [[nodiscard]] double over(std::int32_t, std::int32_t j) const { return wgt[j - 1]; }
-  [[nodiscard]] double along(double weight, std::int32_t) const { return weight; }
-};
-
-}  // namespace
+using products::sums;
+using products::values_multiplied;
 
 void matmul_normal(std::int32_t n, std::int32_t ncol, array_view<const std::int32_t> ia,
                    array_view<const std::int32_t> ja, array_view<const double> a,

@@ -1,11 +1,20 @@
 // SPDX-License-Identifier: MIT
 // Matrix times matrix and graph times graph.
+#include "fill_product.hpp"
 #include "form_product.hpp"
 #include "product_size.hpp"
 
 #include <csr_matrix_mod/products.hpp>
 
 namespace csr_matrix_mod {
+
+using products::diagonal;
+using products::fill_product;
+using products::middle_vertex;
+using products::no_values;
+using products::paths_counted;
+using products::sums;
+using products::values_multiplied;
 
 void csr_matrix_multiply(const csr_matrix& m1, const csr_matrix& m2, csr_matrix& m3,
                          std::optional<std::int32_t> ncol) {
@@ -20,9 +29,12 @@ void csr_matrix_multiply(const csr_matrix& m1, const csr_matrix& m2, csr_matrix&
       [&] { return product_size(n, nc, m1.ia, m1.ja, m2.ia, m2.ja); },
       [&] {
         if (m3.type != matrix_structure_only)
-          matmul_normal(n, nc, m1.ia, m1.ja, m1.a, m2.ia, m2.ja, m2.a, m3.ia, m3.ja, m3.a);
+          fill_product<diagonal::kept>(m1, m2, nc, m3, sums{m3.a.data()},
+                                       values_multiplied{m1.a.data(), m2.a.data()},
+                                       "matmul_normal");
         else
-          matmul_noval(n, nc, m1.ia, m1.ja, m2.ia, m2.ja, m3.ia, m3.ja);
+          fill_product<diagonal::kept>(m1, m2, nc, m3, no_values{}, paths_counted{},
+                                       "matmul_noval");
       });
 }
 
@@ -38,9 +50,11 @@ void csr_matrix_multiply_graph(const csr_matrix& g1, const csr_matrix& g2, csr_m
       [&] { return product_size_graph(n, nc, g1.ia, g1.ja, g2.ia, g2.ja); },
       [&] {
         if (wgt)
-          matmul_wgraph(n, nc, g1.ia, g1.ja, g2.ia, g2.ja, g3.ia, g3.ja, g3.a, *wgt);
+          fill_product<diagonal::skipped>(g1, g2, nc, g3, sums{g3.a.data()},
+                                          middle_vertex{wgt->data()}, "matmul_wgraph");
         else
-          matmul_graph(n, nc, g1.ia, g1.ja, g2.ia, g2.ja, g3.ia, g3.ja, g3.a);
+          fill_product<diagonal::skipped>(g1, g2, nc, g3, sums{g3.a.data()}, paths_counted{},
+                                          "matmul_graph");
       });
 }
 

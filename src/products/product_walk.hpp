@@ -58,13 +58,21 @@ struct product {
   Values values;
 };
 
+// Every row is walked.
+struct row_by_row {
+  std::int32_t operator()(std::int64_t, std::int32_t, std::int32_t&,
+                          const std::int32_t*) const noexcept {
+    return 0;
+  }
+};
+
 // Stores the entries of the product in the order in which paths first lead to them. The marker
 // holds the position at which a column was stored; a position before the row's first is one of an
-// earlier row, so it need not be cleared either. `over` and `along` of `path` say what a path is
-// worth.
-template <diagonal Diagonal, class Values, class Path>
+// earlier row, so it need not be cleared either. `left` times `right` of `path` is
+// what a path is worth; `repeat` may store rows after the one just walked, and returns how many.
+template <diagonal Diagonal, class Values, class Path, class Repeat = row_by_row>
 void store_entries(const operands& of, const product<Values>& to, const Path path,
-                   std::string_view routine) {
+                   std::string_view routine, Repeat repeat = {}) {
   const std::int32_t* const left_starts = of.ia.data();
   const std::int32_t* const left_columns = of.ja.data();
   const std::int32_t* const right_starts = of.ib.data();
@@ -82,7 +90,7 @@ void store_entries(const operands& of, const product<Values>& to, const Path pat
     const std::int32_t left_end = left_starts[i];
     for (std::int32_t k = left_starts[i - 1]; k < left_end; ++k) {
       const std::int32_t j = left_columns[k - 1];
-      const auto left = path.over(k, j);
+      const auto left = path.left(k, j);
       const std::int32_t right_end = right_starts[j];
       for (std::int32_t l = right_starts[j - 1]; l < right_end; ++l) {
         const std::int32_t column = right_columns[l - 1];
@@ -91,13 +99,14 @@ void store_entries(const operands& of, const product<Values>& to, const Path pat
         if (at < first) {
           mark[column - 1] = ++pos;
           columns[pos - 1] = column;
-          values.set(pos, path.along(left, l));
+          values.set(pos, left * path.right(l));
         } else {
-          values.add(at, path.along(left, l));
+          values.add(at, left * path.right(l));
         }
       }
     }
     starts[i] = pos + 1;
+    i += repeat(i, first, pos, mark);
   }
 }
 

@@ -1,0 +1,209 @@
+// SPDX-License-Identifier: MIT
+// Products of stencils, whose rows repeat the row before moved by one column, against the two
+// passes that walk every row: the same arrays to the last bit.
+#include "products.hpp"
+
+#include <rapidcheck/gtest.h>
+
+#include <algorithm>
+#include <bit>
+#include <limits>
+#include <numeric>
+#include <vector>
+
+using namespace csr_matrix_mod;
+using namespace tests;
+
+namespace {
+
+// What the passes give, which are the definition.
+struct passes {
+  std::vector<std::int32_t> ia, ja;
+  std::vector<double> a;
+
+  passes(std::int32_t n, std::int32_t nnz)
+      : ia(static_cast<std::size_t>(n) + 1),
+        ja(static_cast<std::size_t>(nnz)),
+        a(static_cast<std::size_t>(nnz)) {}
+};
+
+std::vector<std::uint64_t> bits_of(const double* values, std::size_t length) {
+  std::vector<std::uint64_t> bits(length);
+  std::transform(values, values + length, bits.begin(),
+                 [](double value) { return std::bit_cast<std::uint64_t>(value); });
+  return bits;
+}
+
+void require_same(const csr_matrix& got, const passes& expected) {
+  RC_ASSERT(got.ja.length() == std::max<std::int64_t>(1, std::ssize(expected.ja)));
+  RC_ASSERT(std::equal(expected.ia.begin(), expected.ia.end(), got.ia.data()));
+  RC_ASSERT(std::equal(expected.ja.begin(), expected.ja.end(), got.ja.data()));
+  if (got.type == matrix_structure_only) return;
+  RC_ASSERT(got.a.length() == got.ja.length());
+  RC_ASSERT(bits_of(got.a.data(), expected.a.size()) ==
+            bits_of(expected.a.data(), expected.a.size()));
+}
+
+// Rows that follow each other in stretches: in each all rows have the same columns relative to the
+// row, in any order, repeated columns among them. What leaves the matrix is left out, as at the rim
+// of a grid; now and then an entry more breaks a row.
+entry_rows stretches(std::int32_t n, std::int32_t m) {
+  entry_rows rows(static_cast<std::size_t>(n));
+  std::vector<std::int32_t> offsets;
+  for (std::int32_t i = 0; i < n; ++i) {
+    if (i == 0 || *rc::gen::inRange(0, 60) == 0)
+      offsets = *rc::gen::container<std::vector<std::int32_t>>(*rc::gen::inRange<std::size_t>(0, 7),
+                                                               rc::gen::inRange(-12, 13));
+    auto& row = rows[static_cast<std::size_t>(i)];
+    for (const std::int32_t offset : offsets)
+      if (i + offset >= 0 && i + offset < m) row.push_back({i + offset + 1, 0.0});
+    if (m > 0 && *rc::gen::inRange(0, 80) == 0) row.push_back({*rc::gen::inRange(1, m + 1), 0.0});
+  }
+  // Drawing each value would take seconds.
+  std::uint64_t state = *rc::gen::arbitrary<std::uint64_t>();
+  for (auto& row : rows)
+    for (auto& [column, value] : row) {
+      state = state * 6364136223846793005U + 1442695040888963407U;
+      const auto drawn = static_cast<std::int32_t>(state >> 40U) - (1 << 23);
+      value = drawn % 16 == 0 ? -0.0 : drawn % 16 == 1 ? 0.0 : drawn / 3.0;
+    }
+  return rows;
+}
+
+struct operand_pair {
+  csr_matrix left, right;
+};
+
+operand_pair any_pair() {
+  const auto n = *rc::gen::inRange<std::int32_t>(1, 200);
+  const auto middle = n + *rc::gen::inRange<std::int32_t>(-3, 4);
+  const auto m = n + *rc::gen::inRange<std::int32_t>(-3, 4);
+  return {real_matrix(std::max(middle, 0), stretches(n, std::max(middle, 0))),
+          real_matrix(std::max(m, 0), stretches(std::max(middle, 0), std::max(m, 0)))};
+}
+
+// The square of one stencil, where both operands are one record, in a third of the cases.
+const csr_matrix& right_of(const operand_pair& of) {
+  return of.left.n == of.left.m && *rc::gen::inRange(0, 3) == 0 ? of.left : of.right;
+}
+
+RC_GTEST_PROP(RepeatedRows, AreTheRowsOfTheTwoPassesInAProduct, ()) {
+  const operand_pair of = any_pair();
+  const csr_matrix& l = of.left;
+  const csr_matrix& r = right_of(of);
+  std::int32_t nz = 0;
+  matmul_size(l.n, r.m, l.ia, l.ja, r.ia, r.ja, nz);
+  passes expected(l.n, nz);
+  matmul_normal(l.n, r.m, l.ia, l.ja, l.a, r.ia, r.ja, r.a, expected.ia, expected.ja, expected.a);
+  csr_matrix product;
+  observe([&] { csr_matrix_multiply(l, r, product); });
+  require_same(product, expected);
+}
+
+RC_GTEST_PROP(RepeatedRows, AreTheRowsOfTheTwoPassesInAProductOfPatterns, ()) {
+  operand_pair of = any_pair();
+  of.left.type = matrix_structure_only;
+  of.right.type = matrix_structure_only;
+  const csr_matrix& l = of.left;
+  const csr_matrix& r = right_of(of);
+  std::int32_t nz = 0;
+  matmul_size(l.n, r.m, l.ia, l.ja, r.ia, r.ja, nz);
+  passes expected(l.n, nz);
+  matmul_noval(l.n, r.m, l.ia, l.ja, r.ia, r.ja, expected.ia, expected.ja);
+  csr_matrix product;
+  observe([&] { csr_matrix_multiply(l, r, product); });
+  require_same(product, expected);
+}
+
+RC_GTEST_PROP(RepeatedRows, AreTheRowsOfTheTwoPassesInAGraphProduct, ()) {
+  const operand_pair of = any_pair();
+  const csr_matrix& l = of.left;
+  const csr_matrix& r = right_of(of);
+  std::int32_t nz = 0;
+  matmul_size_graph(l.n, r.m, l.ia, l.ja, r.ia, r.ja, nz);
+  passes expected(l.n, nz);
+  matmul_graph(l.n, r.m, l.ia, l.ja, r.ia, r.ja, expected.ia, expected.ja, expected.a);
+  csr_matrix paths;
+  observe([&] { csr_matrix_multiply_graph(l, r, paths); });
+  require_same(paths, expected);
+
+  std::vector<std::int32_t> weights(static_cast<std::size_t>(r.n));
+  std::iota(weights.begin(), weights.end(), -5);
+  matmul_wgraph(l.n, r.m, l.ia, l.ja, r.ia, r.ja, expected.ia, expected.ja, expected.a, weights);
+  csr_matrix weighted;
+  observe([&] {
+    csr_matrix_multiply_graph(l, r, weighted, std::nullopt,
+                              array_view<const std::int32_t>(weights));
+  });
+  require_same(weighted, expected);
+}
+
+// n rows of the columns i - reach to i + reach, those inside.
+entry_rows band(std::int32_t n, std::int32_t reach, double value) {
+  entry_rows rows(static_cast<std::size_t>(n));
+  for (std::int32_t i = 1; i <= n; ++i)
+    for (std::int32_t j = std::max(1, i - reach); j <= std::min(n, i + reach); ++j)
+      rows[static_cast<std::size_t>(i - 1)].push_back({j, value / (i + j)});
+  return rows;
+}
+
+void expect_square_of_the_passes(const csr_matrix& mat) {
+  std::int32_t nz = 0;
+  matmul_size(mat.n, mat.m, mat.ia, mat.ja, mat.ia, mat.ja, nz);
+  passes expected(mat.n, nz);
+  matmul_normal(mat.n, mat.m, mat.ia, mat.ja, mat.a, mat.ia, mat.ja, mat.a, expected.ia,
+                expected.ja, expected.a);
+  csr_matrix square;
+  csr_matrix_multiply(mat, mat, square);
+  EXPECT_TRUE(std::equal(expected.ia.begin(), expected.ia.end(), square.ia.data()));
+  EXPECT_TRUE(std::equal(expected.ja.begin(), expected.ja.end(), square.ja.data()));
+  EXPECT_EQ(bits_of(square.a.data(), expected.a.size()),
+            bits_of(expected.a.data(), expected.a.size()));
+}
+
+// 15 * 15 paths a row are written down, 33 * 33 are more than there is room for.
+TEST(RepeatedRows, AreWalkedWhereTheyHaveTooManyPaths) {
+  expect_square_of_the_passes(real_matrix(300, band(300, 7, 1.0)));
+  expect_square_of_the_passes(real_matrix(300, band(300, 16, 1.0)));
+}
+
+TEST(RepeatedRows, GoOnFarBeyondOneWordOfBits) {
+  for (const std::int32_t n : {70, 71, 72, 73, 127, 128, 129, 1023, 1024, 1025, 3000})
+    expect_square_of_the_passes(real_matrix(n, band(n, 1, 1.0)));
+}
+
+TEST(RepeatedRows, KeepInfinitiesAndTheSignOfZero) {
+  csr_matrix mat = real_matrix(64, band(64, 1, -0.0));
+  mat.a(80) = std::numeric_limits<double>::infinity();
+  mat.a(120) = std::numeric_limits<double>::denorm_min();
+  expect_square_of_the_passes(mat);
+}
+
+// The first thousand rows decide: these do not repeat each other, those behind them do.
+TEST(RepeatedRows, AreNotLookedForBehindManyThatDoNotRepeat) {
+  entry_rows rows = band(2500, 1, 1.0);
+  for (std::size_t i = 0; i < 1100; ++i)
+    std::rotate(rows[i].begin(), rows[i].begin() + static_cast<std::ptrdiff_t>(i % 2),
+                rows[i].end());
+  expect_square_of_the_passes(real_matrix(2500, rows));
+}
+
+// Room for the bits is refused: every row is walked, and nobody is told.
+TEST(RepeatedRows, AreDoneWithoutWhereThereIsNoRoomToFindThem) {
+  const csr_matrix mat = real_matrix(64, band(64, 1, 1.0));
+  csr_matrix expected;
+  csr_matrix_multiply(mat, mat, expected);
+  for (int k = 0;; ++k) {
+    csr_matrix square;
+    const refuse_allocation refuse(k);
+    const observed seen = observe([&] { csr_matrix_multiply(mat, mat, square); });
+    if (!refuse.reached()) {
+      EXPECT_GT(k, 6);
+      break;
+    }
+    if (seen.stop) continue;
+    EXPECT_EQ(entries_of(square), entries_of(expected)) << "request " << k;
+  }
+}
+
+}  // namespace
