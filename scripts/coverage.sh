@@ -12,12 +12,13 @@ cd "$root"
 need_packages g++ cmake ninja-build libgtest-dev librapidcheck-dev gfortran gnuplot-nox python3 \
   gcovr
 
+# What was counted before was another program.
+mkdir -p build/coverage
+find build/coverage -name '*.gcda' -delete
 build_preset coverage
 
 say "Testing"
 log=build/coverage/tests.log
-# What was counted before was another program.
-find build/coverage -name '*.gcda' -delete
 ctest --preset coverage --parallel "$(nproc)" >"$log" 2>&1 || {
   tail -n 30 "$log"
   fail "The suite fails, see $log; its coverage says nothing"

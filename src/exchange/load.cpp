@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // A matrix file into storage of its own, from a file that nobody vouches for.
+#include "../io/file_error.hpp"
 #include "../io/matrix_file.hpp"
 #include "../support/stop.hpp"
 
@@ -63,13 +64,15 @@ class new_storage final : public entry_storage {
 
 void csr_matrix_load(std::string_view filename, csr_matrix& mat,
                      std::optional<std::string_view> form) {
-  const stream file = open_stream(filename, direction::reading);
-  const std::optional<encoding> code = encoding_of(form);
-  if (!code) stop(unknown_form);
-  byte_source source(file.get(), filename);
-  csr_matrix loaded;
-  read_matrix(source, *code, new_storage(), loaded);
-  mat = std::move(loaded);
+  at_file(filename, "cannot read", [&] {
+    const stream file = open_stream(filename, direction::reading);
+    const std::optional<encoding> code = encoding_of(form);
+    if (!code) stop(unknown_form);
+    byte_source source(file.get(), filename);
+    csr_matrix loaded;
+    read_matrix(source, *code, new_storage(), loaded);
+    mat = std::move(loaded);
+  });
 }
 
 }  // namespace csr_matrix_mod

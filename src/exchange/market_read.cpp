@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // A Matrix Market file into a record: its entries as coordinate lists, the mirror images among them,
 // then row by row.
+#include "../io/file_error.hpp"
 #include "../support/entry_count.hpp"
 #include "../support/scratch.hpp"
 #include "../support/stop.hpp"
@@ -138,7 +139,7 @@ class entry_lists {
     csr_matrix_initial(n, mat, m, type);
     std::fill(mat.ia.begin(), mat.ia.end(), 1);
     if (!mat.ja.allocate(1) || (type == matrix_real && !mat.a.allocate(1)))
-      stop("allocation error in " + std::string(routine));
+      stop_without_storage(routine);
   }
 
   market_header header_;
@@ -225,14 +226,16 @@ class entry_reader {
 }  // namespace
 
 void csr_matrix_read_market(std::string_view filename, csr_matrix& mat) {
-  const stream file = open_stream(filename, direction::reading);
-  byte_source source(file.get(), filename);
-  market_lines lines(source);
-  const market_header header = read_market_header(lines);
-  const market_size size = read_size(lines, header);
-  entry_lists entries(header, size);
-  entry_reader(lines, header, size).read(entries);
-  mat = entries.matrix(size.n, size.m);
+  at_file(filename, "cannot read", [&] {
+    const stream file = open_stream(filename, direction::reading);
+    byte_source source(file.get(), filename);
+    market_lines lines(source);
+    const market_header header = read_market_header(lines);
+    const market_size size = read_size(lines, header);
+    entry_lists entries(header, size);
+    entry_reader(lines, header, size).read(entries);
+    mat = entries.matrix(size.n, size.m);
+  });
 }
 
 }  // namespace csr_matrix_mod

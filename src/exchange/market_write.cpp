@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // A record as a Matrix Market file, coordinate and general.
+#include "../io/file_error.hpp"
 #include "../io/stream.hpp"
 
 #include <csr_matrix_mod/exchange.hpp>
@@ -49,11 +50,13 @@ void write_entries(byte_sink& file, const csr_matrix& mat) {
 }  // namespace
 
 void csr_matrix_write_market(std::string_view filename, const csr_matrix& mat) {
-  const stream file = open_stream(filename, direction::writing);
-  byte_sink sink(file.get(), filename);
-  write_head(sink, mat);
-  write_entries(sink, mat);
-  sink.flush();
+  at_file(filename, "cannot write", [&] {
+    const stream file = open_stream(filename, direction::writing);
+    byte_sink sink(file.get(), filename);
+    write_head(sink, mat);
+    write_entries(sink, mat);
+    sink.flush();
+  });
 }
 
 }  // namespace csr_matrix_mod

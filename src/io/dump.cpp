@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // A matrix into a file, in the layout that a format word names.
+#include "file_error.hpp"
 #include "form_word.hpp"
 #include "layouts.hpp"
 #include "unit_table.hpp"
@@ -44,11 +45,13 @@ void csr_matrix_dump(std::string_view filename, const csr_matrix& mat,
   if (format && is_word(*format, "hypergraph")) return csr_matrix_dump_hypergraph(mat, filename);
 
   const layout& chosen = layout_of(format);
-  connected_unit unit(filename, direction::writing);
-  byte_sink out(unit.file(), filename);
-  chosen.write(out, mat);
-  out.flush();
-  if (chosen.pattern_stays_open && mat.type == matrix_structure_only) unit.leave_open();
+  at_file(filename, "cannot write", [&] {
+    connected_unit unit(filename, direction::writing);
+    byte_sink out(unit.file(), filename);
+    chosen.write(out, mat);
+    out.flush();
+    if (chosen.pattern_stays_open && mat.type == matrix_structure_only) unit.leave_open();
+  });
 }
 
 }  // namespace csr_matrix_mod

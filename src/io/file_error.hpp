@@ -2,9 +2,11 @@
 // Stops of the file layer: one line that names the file first.
 #pragma once
 
+#include "../support/short_text.hpp"
 #include "../support/stop.hpp"
 
 #include <cerrno>
+#include <new>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -20,6 +22,23 @@ namespace csr_matrix_mod {
 [[noreturn]] inline void stop_at_file(std::string_view name, std::string_view what, int error) {
   stop_at_file(name, std::string(what).append(": ").append(
                          std::generic_category().message(error != 0 ? error : EIO)));
+}
+
+// Runs the body of a reader or writer. Names, messages and lines that cross a seam are strings: where
+// there is no storage for one, the file cannot be read or written either, and the stop says so
+// without asking for any.
+template <class Body>
+void at_file(std::string_view name, std::string_view failure, const Body& body) {
+  try {
+    body();
+  } catch (const std::bad_alloc&) {
+    stop(short_text()
+             .append(name)
+             .append(": ")
+             .append(failure)
+             .append(": Cannot allocate memory")
+             .view());
+  }
 }
 
 // What was found in a file, between quotes: long text is cut, and bytes that could upset a terminal

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The pattern of a matrix as a gnuplot picture: a point an entry, row 1 at the top.
 #include "../support/fields.hpp"
+#include "file_error.hpp"
 #include "row_lines.hpp"
 #include "unit_table.hpp"
 
@@ -73,13 +74,13 @@ void write_plot(const csr_matrix& mat, std::string_view filename, const Across& 
 
 void csr_matrix_dump_gnuplot(const csr_matrix& mat, std::string_view filename) {
   const auto in_place = [](std::int32_t position) { return position; };
-  write_plot(mat, filename, in_place, in_place);
+  at_file(filename, "cannot write", [&] { write_plot(mat, filename, in_place, in_place); });
 }
 
 void csr_matrix_dump_gnuplot_ordered(const csr_matrix& mat, std::string_view filename,
                                      array_view<const std::int32_t> row_order,
                                      array_view<const std::int32_t> col_order) {
-  write_plot(mat, filename, col_order, row_order);
+  at_file(filename, "cannot write", [&] { write_plot(mat, filename, col_order, row_order); });
 }
 
 }  // namespace csr_matrix_mod

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The columns of a matrix as the edges of a hypergraph: the rows that each touches.
 #include "../support/fields.hpp"
+#include "file_error.hpp"
 #include "row_lines.hpp"
 #include "unit_table.hpp"
 
@@ -29,14 +30,16 @@ void csr_matrix_dump_hypergraph(const csr_matrix& mat, std::string_view filename
   csr_matrix columns;
   csr_matrix_transpose(mat, columns);
 
-  const connected_unit unit(filename, direction::writing);
-  byte_sink out(unit.file(), filename);
-  write_line(out, 2 * size_columns, [&mat](char* to) {
-    return put_integer(put_integer(to, mat.m, size_columns), mat.n, size_columns);
+  at_file(filename, "cannot write", [&] {
+    const connected_unit unit(filename, direction::writing);
+    byte_sink out(unit.file(), filename);
+    write_line(out, 2 * size_columns, [&mat](char* to) {
+      return put_integer(put_integer(to, mat.m, size_columns), mat.n, size_columns);
+    });
+    const csr_matrix& edges = columns;
+    for (std::int32_t j = 1; j <= mat.m; ++j) write_column(out, csr_matrix_getrow(edges, j));
+    out.flush();
   });
-  const csr_matrix& edges = columns;
-  for (std::int32_t j = 1; j <= mat.m; ++j) write_column(out, csr_matrix_getrow(edges, j));
-  out.flush();
 
   csr_matrix_deallocate(columns);
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Reading a matrix file: the body that every reader shares, and the reader that fills the caller's
 // own storage.
+#include "file_error.hpp"
 #include "form_word.hpp"
 #include "matrix_encodings.hpp"
 #include "unit_table.hpp"
@@ -88,15 +89,17 @@ void read_matrix(byte_source& source, encoding code, const entry_storage& storag
 
 void csr_matrix_read(std::string_view filename, csr_matrix& mat,
                      std::optional<std::string_view> form) {
-  connected_unit unit(filename, direction::reading);
-  const std::optional<encoding> code = encoding_of(form);
-  if (!code) {
+  at_file(filename, "cannot read", [&] {
+    connected_unit unit(filename, direction::reading);
+    const std::optional<encoding> code = encoding_of(form);
+    if (!code) {
+      unit.leave_open();
+      stop(unknown_form);
+    }
+    byte_source source(unit.file(), filename);
+    read_matrix(source, *code, given_storage(), mat);
     unit.leave_open();
-    stop(unknown_form);
-  }
-  byte_source source(unit.file(), filename);
-  read_matrix(source, *code, given_storage(), mat);
-  unit.leave_open();
+  });
 }
 
 }  // namespace csr_matrix_mod

@@ -6,7 +6,9 @@
 #include <csr_matrix_mod/io.hpp>
 
 #include <array>
+#include <cstddef>
 #include <mutex>
+#include <new>
 #include <utility>
 
 namespace csr_matrix_mod {
@@ -58,7 +60,8 @@ class unit_table {
 // Never destroyed: whoever writes a matrix from a destructor at the end of the program still can.
 // Open files hold nothing back, so the system may close them.
 unit_table& units() {
-  static auto* const table = new unit_table;  // NOLINT(cppcoreguidelines-owning-memory)
+  alignas(unit_table) static std::byte place[sizeof(unit_table)];
+  static auto* const table = new (place) unit_table;
   return *table;
 }
 

@@ -35,7 +35,11 @@ bool matrix_is_struct_symmetric(const csr_matrix& mat) {
     for (std::int32_t k = starts_t[i - 1]; k < starts_t[i]; ++k) {
       const std::int32_t j = columns[k - 1];
       if (marked[j - 1] != 0) continue;
-      print_line("non-symmetric entry " + int2str(i, 10) + int2str(j, 10));
+      print_line(short_text()
+                     .append("non-symmetric entry ")
+                     .append(int2str(i, 10))
+                     .append(int2str(j, 10))
+                     .view());
       return false;
     }
     mark_row(i, 0);

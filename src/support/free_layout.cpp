@@ -3,35 +3,49 @@
 
 #include "fields.hpp"
 
-#include <csr_matrix_mod/support.hpp>
-
 namespace csr_matrix_mod {
 
-void free_layout::separate(item next) {
-  if (last_ != item::none && !(last_ == item::text && next == item::text)) line_ += ' ';
+namespace {
+
+constexpr int integer_columns = 11;
+
+}  // namespace
+
+template <class Text>
+void free_layout<Text>::separate(item next) {
+  if (last_ != item::none && !(last_ == item::text && next == item::text)) line_.append(" ");
   last_ = next;
 }
 
-void free_layout::put(std::string_view text) {
+template <class Text>
+void free_layout<Text>::put(std::string_view text) {
   separate(item::text);
-  line_ += text;
+  line_.append(text);
 }
 
-void free_layout::put(std::int32_t value) {
+template <class Text>
+void free_layout<Text>::put(std::int32_t value) {
   separate(item::other);
-  line_ += int2str(value, 11);
+  char field[integer_columns];
+  put_integer(field, value, integer_columns);
+  line_.append(std::string_view(field, sizeof field));
 }
 
-void free_layout::put(double value) {
+template <class Text>
+void free_layout<Text>::put(double value) {
   separate(item::other);
-  char field[list_directed.width];
+  char field[static_cast<std::size_t>(list_directed.width)];
   put_general(field, value, list_directed);
-  line_.append(field, sizeof field);
+  line_.append(std::string_view(field, sizeof field));
 }
 
-void free_layout::put(bool value) {
+template <class Text>
+void free_layout<Text>::put(bool value) {
   separate(item::other);
-  line_ += value ? 'T' : 'F';
+  line_.append(value ? "T" : "F");
 }
+
+template class free_layout<std::string>;
+template class free_layout<short_text>;
 
 }  // namespace csr_matrix_mod

@@ -3,17 +3,20 @@
 // that logs and listings of mixed programs line up.
 #pragma once
 
+#include "short_text.hpp"
+
 #include <cstdint>
 #include <string>
 #include <string_view>
 
 namespace csr_matrix_mod {
 
-// Appends one line's items to a text. Every line begins with one blank; a blank separates two items
-// unless both are text.
+// Appends one line's items to a text, a std::string or a short_text. Every line begins with one
+// blank; a blank separates two items unless both are text.
+template <class Text>
 class free_layout {
  public:
-  explicit free_layout(std::string& line) : line_(line) { line_ += ' '; }
+  explicit free_layout(Text& line) : line_(line) { line_.append(" "); }
 
   void put(std::string_view text);
   void put(const char* text) { put(std::string_view(text)); }
@@ -26,8 +29,11 @@ class free_layout {
 
   void separate(item next);
 
-  std::string& line_;
+  Text& line_;
   item last_ = item::none;
 };
+
+extern template class free_layout<std::string>;
+extern template class free_layout<short_text>;
 
 }  // namespace csr_matrix_mod

@@ -9,7 +9,6 @@
 #include <cassert>
 #include <cstdint>
 #include <memory>
-#include <string>
 #include <string_view>
 
 namespace csr_matrix_mod {
@@ -24,7 +23,7 @@ class scratch {
 
   // Stops with "allocation error in ROUTINE" when there is no storage to be had.
   scratch(std::int64_t length, contents initial, std::string_view routine) {
-    if (!allocate(length, initial)) stop("allocation error in " + std::string(routine));
+    if (!allocate(length, initial)) stop_without_storage(routine);
   }
 
   [[nodiscard]] bool allocate(std::int64_t length, contents initial) noexcept {

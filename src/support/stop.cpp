@@ -45,6 +45,10 @@ void stop(std::string_view message) {
   std::_Exit(EXIT_FAILURE);
 }
 
+void stop_without_storage(std::string_view routine) {
+  stop(short_text().append("allocation error in ").append(routine).view());
+}
+
 void print_line(std::string_view line) { write_line(stdout, line); }
 
 }  // namespace csr_matrix_mod
