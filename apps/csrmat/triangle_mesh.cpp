@@ -78,7 +78,9 @@ class delaunay {
 
  private:
   triangle& at(std::int32_t t) { return mesh_.triangles[static_cast<std::size_t>(t)]; }
-  point where(std::int32_t v) { return mesh_.points[static_cast<std::size_t>(v)]; }
+  [[nodiscard]] point where(std::int32_t v) const {
+    return mesh_.points[static_cast<std::size_t>(v)];
+  }
 
   // The corner of t that faces the triangle `other`.
   std::size_t facing(std::int32_t t, std::int32_t other) {
