@@ -2,7 +2,8 @@
 // For the last step of a counting sort, when entries go to rows far apart and memory is slow.
 #pragma once
 
-#include <algorithm>
+#include "../support/prefetch.hpp"
+
 #include <cstdint>
 
 namespace csr_matrix_mod {
@@ -23,43 +24,20 @@ class look_ahead {
         cursor_(cursor),
         new_columns_(new_columns),
         new_values_(new_values),
-        last_(scatter(rows, nnz) ? nnz - 2 * distance : 0) {}
+        last_(scatters(rows, nnz, fits_the_cache) ? nnz - 2 * distance : 0) {}
 
-  // Before entry k. Inlined always: the compiler drops calls of functions that have no effect, and it
-  // takes a request for memory for none.
+  // Before entry k.
   [[gnu::always_inline]] inline void operator()(std::int32_t k) const {
     if (k > last_) return;
-    for_writing(cursor_ + (rows_[k + 2 * distance - 1] - 1));
+    prefetch_for_writing(cursor_ + (rows_[k + 2 * distance - 1] - 1));
     const std::int32_t p = cursor_[rows_[k + distance - 1] - 1];
-    for_writing(new_columns_ + (p - 1));
-    if (new_values_ != nullptr) for_writing(new_values_ + (p - 1));
+    prefetch_for_writing(new_columns_ + (p - 1));
+    if (new_values_ != nullptr) prefetch_for_writing(new_values_ + (p - 1));
   }
 
  private:
   static constexpr std::int32_t distance = 16;
   static constexpr std::int32_t fits_the_cache = 1 << 17;
-
-  [[gnu::always_inline]] static inline void for_writing(const void* address) {
-#if defined(__GNUC__) || defined(__clang__)
-    __builtin_prefetch(address, 1);
-#else
-    (void)address;
-#endif
-  }
-
-  // Among some entries from all over, do most go to rows that none of the 64 before them is near?
-  static bool scatter(const std::int32_t* rows, std::int32_t nnz) {
-    if (nnz < fits_the_cache) return false;
-    constexpr std::int32_t samples = 256;
-    std::int32_t alone = 0;
-    for (std::int32_t sample = 1; sample <= samples; ++sample) {
-      const std::int32_t* const row = rows + (nnz / samples * sample - 1);
-      alone += std::none_of(row - 64, row, [row](std::int32_t other) {
-        return std::int64_t{other} - *row < 16 && std::int64_t{*row} - other < 16;
-      });
-    }
-    return alone > samples / 2;
-  }
 
   const std::int32_t* rows_;
   const std::int32_t* cursor_;

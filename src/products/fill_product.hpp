@@ -5,6 +5,7 @@
 #include "path_values.hpp"
 #include "product_walk.hpp"
 #include "repeated_rows.hpp"
+#include "rows_ahead.hpp"
 #include "shifted_rows.hpp"
 
 #include <csr_matrix_mod/csr_matrix.hpp>
@@ -55,6 +56,8 @@ void fill_product(const csr_matrix& m1, const csr_matrix& m2, std::int32_t ncol,
     store_entries<Diagonal>(
         of, to, path, routine,
         repeated_rows<Diagonal, Values, Path>(of, to, path, found.left(), found.right()));
+  else if (rows_ahead<Path>::pays(of))
+    store_entries<Diagonal>(of, to, path, routine, rows_ahead<Path>(of, path));
   else
     store_entries<Diagonal>(of, to, path, routine);
 }

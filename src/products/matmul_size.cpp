@@ -27,15 +27,30 @@ std::int64_t product_size_graph(std::int32_t n, std::int32_t ncol,
   return count_entries<diagonal::skipped>({n, ncol, ia, ja, ib, jb}, "matmul_size_graph");
 }
 
-std::int64_t most_product_entries(std::int32_t n, std::int32_t ncol,
-                                  array_view<const std::int32_t> ia,
-                                  array_view<const std::int32_t> ja,
-                                  array_view<const std::int32_t> ib) {
-  const std::int32_t* const left_starts = ia.data();
-  const std::int32_t* const left_columns = ja.data();
-  const std::int32_t* const right_starts = ib.data();
+namespace {
+
+std::int64_t longest_row(std::int32_t n, const std::int32_t* starts) {
+  std::int32_t longest = 0;
+  for (std::int64_t i = 1; i <= n; ++i) longest = std::max(longest, starts[i] - starts[i - 1]);
+  return longest;
+}
+
+}  // namespace
+
+std::int64_t most_product_entries(const csr_matrix& m1, const csr_matrix& m2, std::int32_t ncol) {
+  if (m1.n < 1 || m2.n < 1) return 0;
+  const std::int32_t* const left_starts = m1.ia.data();
+  const std::int32_t* const left_columns = m1.ja.data();
+  const std::int32_t* const right_starts = m2.ia.data();
+
+  const std::int64_t left_entries = left_starts[m1.n] - 1;
+  const std::int64_t right_entries = right_starts[m2.n] - 1;
+  const std::int64_t longest = longest_row(m2.n, right_starts);
+  if (longest * m2.n <= 2 * right_entries)
+    return std::min(left_entries * longest, std::int64_t{m1.n} * ncol);
+
   std::int64_t most = 0;
-  for (std::int64_t i = 1; i <= n; ++i) {
+  for (std::int64_t i = 1; i <= m1.n; ++i) {
     std::int64_t paths = 0;
     const std::int32_t left_end = left_starts[i];
     for (std::int32_t k = left_starts[i - 1]; k < left_end; ++k) {

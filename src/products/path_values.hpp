@@ -2,6 +2,8 @@
 // What a path of a product is worth, and what becomes of the worths of the paths to one entry.
 #pragma once
 
+#include "../support/prefetch.hpp"
+
 #include <cstdint>
 
 namespace csr_matrix_mod::products {
@@ -28,12 +30,16 @@ struct values_multiplied {
 
   [[nodiscard]] double left(std::int32_t k, std::int32_t) const { return a[k - 1]; }
   [[nodiscard]] double right(std::int64_t l) const { return b[l - 1]; }
+  [[gnu::always_inline]] inline void prefetch_right(std::int64_t l) const {
+    prefetch_for_reading(b + (l - 1));
+  }
 };
 
 // A path is worth 1, so that paths are counted.
 struct paths_counted {
   [[nodiscard]] double left(std::int32_t, std::int32_t) const { return 1.0; }
   [[nodiscard]] double right(std::int64_t) const { return 1.0; }
+  void prefetch_right(std::int64_t) const {}
 };
 
 // A path is worth the weight of the vertex that it leads over.
@@ -42,6 +48,7 @@ struct middle_vertex {
 
   [[nodiscard]] double left(std::int32_t, std::int32_t j) const { return wgt[j - 1]; }
   [[nodiscard]] double right(std::int64_t) const { return 1.0; }
+  void prefetch_right(std::int64_t) const {}
 };
 
 }  // namespace csr_matrix_mod::products

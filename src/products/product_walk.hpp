@@ -58,10 +58,12 @@ struct product {
   Values values;
 };
 
-// Every row is walked.
-struct row_by_row {
-  std::int32_t operator()(std::int64_t, std::int32_t, std::int32_t&,
-                          const std::int32_t*) const noexcept {
+// What may be done beside a walk, and is not: something before left entry k, and rows after row i
+// that need not be walked, of which the number is returned.
+struct walk_alone {
+  void before(std::int32_t) const noexcept {}
+  std::int32_t after(std::int64_t, std::int32_t, std::int32_t&,
+                     const std::int32_t*) const noexcept {
     return 0;
   }
 };
@@ -69,10 +71,10 @@ struct row_by_row {
 // Stores the entries of the product in the order in which paths first lead to them. The marker
 // holds the position at which a column was stored; a position before the row's first is one of an
 // earlier row, so it need not be cleared either. `left` times `right` of `path` is
-// what a path is worth; `repeat` may store rows after the one just walked, and returns how many.
-template <diagonal Diagonal, class Values, class Path, class Repeat = row_by_row>
+// what a path is worth; `beside` is as `walk_alone`.
+template <diagonal Diagonal, class Values, class Path, class Beside = walk_alone>
 void store_entries(const operands& of, const product<Values>& to, const Path path,
-                   std::string_view routine, Repeat repeat = {}) {
+                   std::string_view routine, Beside beside = {}) {
   const std::int32_t* const left_starts = of.ia.data();
   const std::int32_t* const left_columns = of.ja.data();
   const std::int32_t* const right_starts = of.ib.data();
@@ -89,6 +91,7 @@ void store_entries(const operands& of, const product<Values>& to, const Path pat
     const std::int32_t first = pos + 1;
     const std::int32_t left_end = left_starts[i];
     for (std::int32_t k = left_starts[i - 1]; k < left_end; ++k) {
+      beside.before(k);
       const std::int32_t j = left_columns[k - 1];
       const auto left = path.left(k, j);
       const std::int32_t right_end = right_starts[j];
@@ -106,7 +109,7 @@ void store_entries(const operands& of, const product<Values>& to, const Path pat
       }
     }
     starts[i] = pos + 1;
-    i += repeat(i, first, pos, mark);
+    i += beside.after(i, first, pos, mark);
   }
 }
 

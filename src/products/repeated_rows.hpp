@@ -20,7 +20,7 @@
 namespace csr_matrix_mod::products {
 
 template <diagonal Diagonal, class Values, class Path>
-class repeated_rows {
+class repeated_rows : public walk_alone {
  public:
   repeated_rows(const operands& of, const product<Values>& to, const Path& path,
                 const shifted_rows& left, const shifted_rows& right) noexcept
@@ -37,8 +37,8 @@ class repeated_rows {
 
   // Row i stands at positions `first` to `pos`, and `mark` knows them. Stores the rows after it as
   // long as they repeat it, moves `pos` to the last entry and returns their number.
-  std::int32_t operator()(std::int64_t i, std::int32_t first, std::int32_t& pos,
-                          const std::int32_t* mark) noexcept {
+  std::int32_t after(std::int64_t i, std::int32_t first, std::int32_t& pos,
+                     const std::int32_t* mark) noexcept {
     std::int32_t repeats = repeats_of(i);
     const std::int32_t width = pos + 1 - first;
     if (repeats < worthwhile || !write_down(i, first, width, mark)) return 0;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Coarse operators r (m1 p), with and without their diagonal.
 #include "../support/stop.hpp"
+#include "fill_product.hpp"
 #include "form_product.hpp"
 #include "product_size.hpp"
 
@@ -9,6 +10,11 @@
 #include <string_view>
 
 namespace csr_matrix_mod {
+
+using products::diagonal;
+using products::fill_product;
+using products::sums;
+using products::values_multiplied;
 
 namespace {
 
@@ -46,7 +52,7 @@ void restriction(const csr_matrix& m1, const csr_matrix& p, const csr_matrix& r,
   csr_matrix_multiply(m1, p, mp);
   csr_matrix_initial(r.n, mc, mp.m, matrix_real);
   products::form_product(
-      mc, most_product_entries(r.n, mp.m, r.ia, r.ja, mp.ia), form.routine,
+      mc, most_product_entries(r, mp, mp.m), form.routine,
       [&] { return form.size(r.n, mp.m, r.ia, r.ja, mp.ia, mp.ja); },
       [&] { form.fill(r, mp, mc); });
   csr_matrix_deallocate(mp);
@@ -63,8 +69,9 @@ void csr_matrix_restriction(const csr_matrix& m1, const csr_matrix& p, const csr
                .r_differs = "r not same size as size of m1",
                .size = product_size,
                .fill = [](const csr_matrix& left, const csr_matrix& mp, csr_matrix& result) {
-                 matmul_normal(left.n, mp.m, left.ia, left.ja, left.a, mp.ia, mp.ja, mp.a,
-                               result.ia, result.ja, result.a);
+                 fill_product<diagonal::kept>(left, mp, mp.m, result, sums{result.a.data()},
+                                              values_multiplied{left.a.data(), mp.a.data()},
+                                              "matmul_normal");
                }});
 }
 
@@ -77,8 +84,9 @@ void csr_matrix_graph_restriction(const csr_matrix& g1, const csr_matrix& p, con
                .r_differs = "r not same size as size of g1",
                .size = product_size_graph,
                .fill = [](const csr_matrix& left, const csr_matrix& mp, csr_matrix& result) {
-                 matmul_formgraph(left.n, mp.m, left.a, left.ia, left.ja, mp.a, mp.ia, mp.ja,
-                                  result.a, result.ia, result.ja);
+                 fill_product<diagonal::skipped>(left, mp, mp.m, result, sums{result.a.data()},
+                                                 values_multiplied{left.a.data(), mp.a.data()},
+                                                 "matmul_formgraph");
                }});
 }
 

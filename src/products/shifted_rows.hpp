@@ -10,23 +10,24 @@
 namespace csr_matrix_mod::products {
 
 // One bit a row: entry for entry it has the columns of the row before plus one. Rows without
-// entries have none. Looking costs one pass over the columns, which is given up where few rows are
-// like that: there the first entry of a row nearly always tells.
+// entries have none. Looking costs one pass over the columns, which is given up where too few rows
+// are like that: there the first entry of a row nearly always tells.
 class shifted_rows {
  public:
-  // False when fewer than a quarter of the rows are like that, or there is no room for the bits.
+  // False when fewer than three quarters of the rows are like that, for then few of them follow each
+  // other, or when there is no room for the bits.
   [[nodiscard]] bool look(std::int32_t n, const std::int32_t* starts,
                           const std::int32_t* columns) noexcept {
     const std::int64_t words = n / 64 + 3;  // 64 bits from any row on can be read
     if (!bits_.allocate(words, contents::zero)) return false;
     std::int64_t found = 0;
     for (std::int64_t i = 2; i <= n; ++i) {
-      if (i % 1024 == 0 && found < i / 4) return false;
+      if (i % 1024 == 0 && 4 * found < 3 * i) return false;
       if (!is_shifted(starts[i - 2], starts[i - 1], starts[i], columns)) continue;
       bits_.data()[i / 64] |= std::uint64_t{1} << (i % 64);
       ++found;
     }
-    return found >= n / 4 && found > 0;
+    return 4 * found >= std::int64_t{3} * n;
   }
 
   // Bit x belongs to row i + x.

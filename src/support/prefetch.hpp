@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: MIT
+// Memory asked for some entries before its turn, for walks that jump through arrays larger than the
+// cache. Inlined always: the compiler drops calls of functions that have no effect, and it takes a
+// request for memory for none.
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+
+namespace csr_matrix_mod {
+
+[[gnu::always_inline]] inline void prefetch_for_writing(const void* address) {
+#if defined(__GNUC__) || defined(__clang__)
+  __builtin_prefetch(address, 1);
+#else
+  (void)address;
+#endif
+}
+
+[[gnu::always_inline]] inline void prefetch_for_reading(const void* address) {
+#if defined(__GNUC__) || defined(__clang__)
+  __builtin_prefetch(address, 0);
+#else
+  (void)address;
+#endif
+}
+
+// Of some entries from all over, do most lead to rows that none of the 64 before them is near? Fewer
+// than `few` entries, 2^15 or more, are not looked at: what they lead to is in the cache.
+[[nodiscard]] inline bool scatters(const std::int32_t* rows, std::int32_t nnz, std::int32_t few) {
+  if (nnz < few) return false;
+  constexpr std::int32_t samples = 256;
+  std::int32_t alone = 0;
+  for (std::int32_t sample = 1; sample <= samples; ++sample) {
+    const std::int32_t* const row = rows + (nnz / samples * sample - 1);
+    alone += std::none_of(row - 64, row, [row](std::int32_t other) {
+      return std::int64_t{other} - *row < 16 && std::int64_t{*row} - other < 16;
+    });
+  }
+  return alone > samples / 2;
+}
+
+}  // namespace csr_matrix_mod

@@ -1,0 +1,95 @@
+// SPDX-License-Identifier: MIT
+// Products whose left columns jump, for which the right rows of the paths to come are asked for,
+// against the two passes that ask for nothing: the same arrays to the last bit.
+#include "products.hpp"
+
+#include <algorithm>
+#include <bit>
+#include <numeric>
+#include <vector>
+
+using namespace csr_matrix_mod;
+using namespace tests;
+
+namespace {
+
+// n rows of 0 to 15 random columns out of m, some of them repeated, about 8 a row.
+csr_matrix random_matrix(std::int32_t n, std::int32_t m, std::uint64_t seed) {
+  std::uint64_t state = seed;
+  const auto draw = [&state](std::int32_t below) {
+    state = state * 6364136223846793005U + 1442695040888963407U;
+    return static_cast<std::int32_t>((state >> 33U) % static_cast<std::uint64_t>(below));
+  };
+  entry_rows rows(static_cast<std::size_t>(n));
+  for (auto& row : rows) {
+    const std::int32_t length = draw(16);
+    for (std::int32_t t = 0; t < length; ++t)
+      row.push_back({draw(m) + 1, (draw(1 << 20) - (1 << 19)) / 3.0});
+  }
+  return real_matrix(m, rows);
+}
+
+void expect_same_bits(const std::vector<double>& expected, const csr_matrix& got) {
+  ASSERT_EQ(got.a.length(), std::ssize(expected));
+  EXPECT_TRUE(std::equal(expected.begin(), expected.end(), got.a.data(), [](double x, double y) {
+    return std::bit_cast<std::uint64_t>(x) == std::bit_cast<std::uint64_t>(y);
+  }));
+}
+
+struct expected_product {
+  std::vector<std::int32_t> ia, ja;
+  std::vector<double> a;
+
+  expected_product(std::int32_t n, std::int32_t nz)
+      : ia(static_cast<std::size_t>(n) + 1),
+        ja(static_cast<std::size_t>(nz)),
+        a(static_cast<std::size_t>(nz)) {}
+
+  void expect_columns_of(const csr_matrix& got) const {
+    EXPECT_TRUE(std::equal(ia.begin(), ia.end(), got.ia.data()));
+    ASSERT_EQ(got.ja.length(), std::ssize(ja));
+    EXPECT_TRUE(std::equal(ja.begin(), ja.end(), got.ja.data()));
+  }
+};
+
+class RowsAhead : public testing::Test {
+ protected:
+  // Enough entries for the look to be worth it, in rows that are not the same number.
+  const csr_matrix left = random_matrix(9000, 7000, 1);
+  const csr_matrix right = random_matrix(7000, 8000, 2);
+};
+
+TEST_F(RowsAhead, GiveTheProductOfTheTwoPasses) {
+  std::int32_t nz = 0;
+  matmul_size(left.n, right.m, left.ia, left.ja, right.ia, right.ja, nz);
+  expected_product expected(left.n, nz);
+  matmul_normal(left.n, right.m, left.ia, left.ja, left.a, right.ia, right.ja, right.a, expected.ia,
+                expected.ja, expected.a);
+  csr_matrix product;
+  csr_matrix_multiply(left, right, product);
+  expected.expect_columns_of(product);
+  expect_same_bits(expected.a, product);
+}
+
+TEST_F(RowsAhead, GiveTheGraphProductOfTheTwoPasses) {
+  std::int32_t nz = 0;
+  matmul_size_graph(left.n, right.m, left.ia, left.ja, right.ia, right.ja, nz);
+  expected_product expected(left.n, nz);
+  matmul_graph(left.n, right.m, left.ia, left.ja, right.ia, right.ja, expected.ia, expected.ja,
+               expected.a);
+  csr_matrix paths;
+  csr_matrix_multiply_graph(left, right, paths);
+  expected.expect_columns_of(paths);
+  expect_same_bits(expected.a, paths);
+
+  std::vector<std::int32_t> weights(static_cast<std::size_t>(right.n));
+  std::iota(weights.begin(), weights.end(), -3);
+  matmul_wgraph(left.n, right.m, left.ia, left.ja, right.ia, right.ja, expected.ia, expected.ja,
+                expected.a, weights);
+  csr_matrix_multiply_graph(left, right, paths, std::nullopt,
+                            array_view<const std::int32_t>(weights));
+  expected.expect_columns_of(paths);
+  expect_same_bits(expected.a, paths);
+}
+
+}  // namespace
