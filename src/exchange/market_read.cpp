@@ -11,6 +11,7 @@
 #include <csr_matrix_mod/exchange.hpp>
 
 #include <algorithm>
+#include <limits>
 #include <string>
 #include <utility>
 
@@ -19,7 +20,9 @@ namespace csr_matrix_mod {
 namespace {
 
 constexpr std::string_view routine = "csr_matrix_read_market";
-constexpr std::int32_t largest_size = 2147483646;
+constexpr std::int32_t most_columns = std::numeric_limits<std::int32_t>::max();
+constexpr std::int32_t most_rows = most_columns - 1;  // row starts are one more
+constexpr std::int32_t most_entries = static_cast<std::int32_t>(max_entries);
 
 // Empty rows take no byte in a coordinate file. So many are believed of any file, more of one that
 // has a byte for each: whoever invents a number of rows shall not get storage for it.
@@ -61,8 +64,8 @@ void require_bytes(market_lines& lines, const market_header& header, const marke
   if (size.n > rows_of_any_file && size.n > left)
     lines.refuse("at most " + std::to_string(rows_of_any_file) + " rows in a file as short as this",
                  std::to_string(size.n));
-  if (size.stored > max_entries)
-    lines.refuse("at most " + std::to_string(max_entries) + " entries",
+  if (size.stored > entry_limit())
+    lines.refuse("at most " + std::to_string(entry_limit()) + " entries",
                  std::to_string(size.stored));
   if (left < size.stored * least_bytes_of_entry(header) - 1)
     lines.refuse(std::to_string(size.stored) + " entries",
@@ -79,13 +82,13 @@ market_size read_size(market_lines& lines, const market_header& header) {
   if (lines.fields() != (coordinate ? 3 : 2)) lines.refuse_quoted(expected, lines.text());
 
   market_size size;
-  size.n = lines.integer(1, "a number of rows", 0, largest_size);
-  size.m = lines.integer(2, "a number of columns", 0, largest_size);
+  size.n = lines.integer(1, "a number of rows", 0, most_rows);
+  size.m = lines.integer(2, "a number of columns", 0, most_columns);
   if (is_mirrored(header) && size.m != size.n)
     lines.refuse_quoted("as many columns as rows in a symmetric matrix", lines.text());
   if (coordinate)
     size.stored =
-        lines.integer(3, "a number of entries", 0, size.n == 0 || size.m == 0 ? 0 : largest_size);
+        lines.integer(3, "a number of entries", 0, size.n == 0 || size.m == 0 ? 0 : most_entries);
   else
     size.stored = listed_elements(header, size.n, size.m);
   require_bytes(lines, header, size);

@@ -6,6 +6,7 @@
 #include <csr_matrix_mod/exchange.hpp>
 
 #include <charconv>
+#include <utility>
 
 namespace csr_matrix_mod {
 
@@ -51,11 +52,12 @@ void write_entries(byte_sink& file, const csr_matrix& mat) {
 
 void csr_matrix_write_market(std::string_view filename, const csr_matrix& mat) {
   at_file(filename, "cannot write", [&] {
-    const stream file = open_stream(filename, direction::writing);
+    stream file = open_stream(filename, direction::writing);
     byte_sink sink(file.get(), filename);
     write_head(sink, mat);
     write_entries(sink, mat);
     sink.flush();
+    close_written(std::move(file), filename);
   });
 }
 

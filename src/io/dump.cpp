@@ -50,7 +50,10 @@ void csr_matrix_dump(std::string_view filename, const csr_matrix& mat,
     byte_sink out(unit.file(), filename);
     chosen.write(out, mat);
     out.flush();
-    if (chosen.pattern_stays_open && mat.type == matrix_structure_only) unit.leave_open();
+    if (chosen.pattern_stays_open && mat.type == matrix_structure_only)
+      unit.leave_open();
+    else
+      unit.close_written(filename);
   });
 }
 

@@ -54,12 +54,13 @@ void write_plot(const csr_matrix& mat, std::string_view filename, const Across& 
                 const Down& down) {
   const std::string name(filename);
   print_line(" writing gnuplot formatted matrix in " + name + " and " + name + ".com");
-  const connected_unit data_unit(name, direction::writing);
-  const connected_unit command_unit(name + ".com", direction::writing);
+  connected_unit data_unit(name, direction::writing);
+  connected_unit command_unit(name + ".com", direction::writing);
 
   byte_sink command_file(command_unit.file(), name + ".com");
   command_file.write(commands(mat, name));
   command_file.flush();
+  command_unit.close_written(name + ".com");
 
   byte_sink data(data_unit.file(), name);
   const std::int32_t* const columns = mat.ja.data();
@@ -68,6 +69,7 @@ void write_plot(const csr_matrix& mat, std::string_view filename, const Across& 
                        height(mat.n, down(i)), point_columns);
   });
   data.flush();
+  data_unit.close_written(name);
 }
 
 }  // namespace

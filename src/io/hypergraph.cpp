@@ -31,7 +31,7 @@ void csr_matrix_dump_hypergraph(const csr_matrix& mat, std::string_view filename
   csr_matrix_transpose(mat, columns);
 
   at_file(filename, "cannot write", [&] {
-    const connected_unit unit(filename, direction::writing);
+    connected_unit unit(filename, direction::writing);
     byte_sink out(unit.file(), filename);
     write_line(out, 2 * size_columns, [&mat](char* to) {
       return put_integer(put_integer(to, mat.m, size_columns), mat.n, size_columns);
@@ -39,6 +39,7 @@ void csr_matrix_dump_hypergraph(const csr_matrix& mat, std::string_view filename
     const csr_matrix& edges = columns;
     for (std::int32_t j = 1; j <= mat.m; ++j) write_column(out, csr_matrix_getrow(edges, j));
     out.flush();
+    unit.close_written(filename);
   });
 
   csr_matrix_deallocate(columns);

@@ -49,6 +49,11 @@ stream open_stream(std::string_view name, direction to) {
   return file;
 }
 
+void close_written(stream file, std::string_view name) {
+  errno = 0;
+  if (std::fclose(file.release()) != 0) stop_at_file(name, "cannot write", errno);
+}
+
 byte_source::byte_source(std::FILE* file, std::string_view name) : file_(file), name_(name) {
   make_buffer(buffer_, buffer_size(), name_, "cannot read");
 }

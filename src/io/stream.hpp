@@ -26,6 +26,10 @@ using stream = std::unique_ptr<std::FILE, stream_closer>;
 // reading: REASON" (or writing); a directory is refused too.
 [[nodiscard]] stream open_stream(std::string_view name, direction to);
 
+// Closes a file that was written. Some file systems say only now that the disk is full: stops with
+// "NAME: cannot write: REASON".
+void close_written(stream file, std::string_view name);
+
 // The size of the buffers that are made from now on. Tests set 1 so that every seam is crossed.
 void set_buffer_size(std::size_t bytes) noexcept;
 [[nodiscard]] std::size_t buffer_size() noexcept;

@@ -80,6 +80,11 @@ connected_unit::~connected_unit() {
   if (!left_open_) close_unit(unit_);
 }
 
+void connected_unit::close_written(std::string_view name) {
+  left_open_ = true;  // no longer this one's to close
+  csr_matrix_mod::close_written(units().disconnect(unit_), name);
+}
+
 std::int32_t vacant_unit() {
   const std::int32_t unit = units().vacant();
   if (unit == none) stop(no_unit);

@@ -22,6 +22,9 @@ class connected_unit {
   [[nodiscard]] std::FILE* file() const noexcept { return file_; }
   void leave_open() noexcept { left_open_ = true; }
 
+  // Closes a file that was written, as `close_written` does, and releases the unit.
+  void close_written(std::string_view name);
+
  private:
   std::int32_t unit_;
   std::FILE* file_;

@@ -80,7 +80,7 @@ TEST_F(WriteMarket, WritesWhatIsNotFiniteSoThatItReadsBack) {
 
 TEST_F(WriteMarket, WritesAMatrixWithoutRowsColumnsOrEntries) {
   const std::string head = "%%MatrixMarket matrix coordinate real general\n";
-  EXPECT_EQ(written(tests::real_matrix(2147483646, {})), head + "0 2147483646 0\n");
+  EXPECT_EQ(written(tests::real_matrix(2147483647, {})), head + "0 2147483647 0\n");
   EXPECT_EQ(written(tests::real_matrix(0, {{}, {}})), head + "2 0 0\n");
   EXPECT_EQ(written(tests::real_matrix(3, {{}, {}}, 1)), head + "2 3 0\n");
 }
@@ -133,7 +133,7 @@ RC_GTEST_FIXTURE_PROP(WriteMarket, ReadsAPatternBack, ()) {
 
 TEST_F(WriteMarket, WritesTheSameThroughBuffersOfAnySize) {
   const csr_matrix mat = tests::real_matrix(
-      2147483646, {{{2147483646, -2.2250738585072014e-308}, {1, 1.0 / 3.0}}, {{7, 1e100}}});
+      2147483647, {{{2147483647, -2.2250738585072014e-308}, {1, 1.0 / 3.0}}, {{7, 1e100}}});
   const std::string expected = written(mat);
   for (const std::size_t bytes : {1U, 2U, 7U, 95U, 96U, 97U, 150U}) {
     csr_matrix_mod::set_buffer_size(bytes);
