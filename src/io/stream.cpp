@@ -133,7 +133,7 @@ std::optional<std::int64_t> byte_source::file_bytes_left() {
   const long here = std::ftell(file_);
   if (here < 0 || std::fseek(file_, 0, SEEK_END) != 0) return {};
   const long end = std::ftell(file_);
-  if (std::fseek(file_, here, SEEK_SET) != 0) stop_at_file(name_, "cannot read", errno);
+  if (end < 0 || std::fseek(file_, here, SEEK_SET) != 0) stop_at_file(name_, "cannot read", errno);
   return std::max(end - here, 0L);
 }
 
