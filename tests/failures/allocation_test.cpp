@@ -7,6 +7,7 @@
 #include "../support/files.hpp"
 #include "../support/matrices.hpp"
 #include "../support/observe.hpp"
+#include "record_text.hpp"
 #include "shortage.hpp"
 
 #include <csr_matrix_mod/csr_matrix_mod.hpp>
@@ -130,22 +131,7 @@ arguments prepared(operands which, result_record where) {
   return of;
 }
 
-template <class T>
-std::string text_of(const array_ref<T>& array, std::int64_t length) {
-  std::string text = array.allocated() ? " (" + std::to_string(array.length()) + ")" : " null";
-  for (std::int64_t k = 1; k <= std::min(length, array.length()); ++k)
-    text += " " + std::to_string(array(k));
-  return text;
-}
-
-// All that a caller may read of a record, and its capacity.
-std::string text_of(const csr_matrix& mat) {
-  const bool rows = mat.n >= 0 && mat.ia.length() > mat.n;
-  const std::int64_t nnz = rows ? csr_matrix_num_nz(mat) : 0;
-  return std::to_string(mat.n) + " x " + std::to_string(mat.m) + " type " +
-         std::to_string(mat.type) + text_of(mat.ia, std::int64_t{mat.n} + 1) +
-         text_of(mat.ja, nnz) + text_of(mat.a, nnz) + "\n";
-}
+using tests::text_of;
 
 std::string text_of(const std::vector<std::int32_t>& integers) {
   std::string text;
