@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // A matrix plus its transpose, in its own place.
 #include "../support/scratch.hpp"
+#include "mirror_image.hpp"
 
 #include <csr_matrix_mod/convert.hpp>
 
@@ -10,47 +11,13 @@ namespace csr_matrix_mod {
 
 namespace {
 
-// Is the pattern symmetric, with rows that ascend? Then the transpose has the same columns in the
-// same order, and need not be built: 1.25 times as fast for 5 points a row, 2 for 7, 1.2 for 27.
-//
-// Rows are visited in order, so the partner (j, i) of entry (i, j) is the first entry of row j that
-// has met none, which is what the cursor of row j points at; entries below the diagonal have been
-// met before their own row is visited. `meet` is told the positions of both, diagonal entries meet
-// themselves. The first entry without a partner ends the walk.
-template <class Meet>
-bool pairs_up(const csr_matrix& mat, std::int32_t* const cursor, const Meet meet) {
-  const std::int32_t* const starts = mat.ia.data();
-  const std::int32_t* const columns = mat.ja.data();
-  const std::int64_t n = mat.n;
-  for (std::int64_t row = 1; row <= n; ++row) {
-    const auto i = static_cast<std::int32_t>(row);
-    const std::int32_t next_row = starts[i];
-    std::int32_t k = cursor[i - 1];
-    if (k < next_row && columns[k - 1] == i) {
-      meet(k, k);
-      ++k;
-    }
-    for (std::int32_t before = i; k < next_row; ++k) {
-      const std::int32_t j = columns[k - 1];
-      if (j <= before) return false;
-      before = j;
-      const std::int32_t partner = cursor[j - 1];
-      if (partner >= starts[j] || columns[partner - 1] != i) return false;
-      cursor[j - 1] = partner + 1;
-      meet(k, partner);
-    }
-  }
-  return true;
-}
-
-// As `pairs_up`; no where there is no room to find out.
+// Is the pattern symmetric? No where there is no room to find out. Then the transpose need not be
+// built: 1.25 times as fast for 5 points a row, 2 for 7, 1.2 for 27.
 template <class Meet>
 bool is_its_own_mirror_image(const csr_matrix& mat, const Meet meet) {
-  if (mat.n < 1 || mat.n != mat.m || csr_matrix_num_nz(mat) < 1) return false;
-  if (mat.ia(1) != 1 || !std::is_sorted(mat.ia.data(), mat.ia.data() + mat.n + 1)) return false;
+  if (!may_be_its_own_mirror_image(mat, mat.m)) return false;
   scratch<std::int32_t> cursor;
   if (!cursor.allocate(mat.n, contents::undefined)) return false;
-  std::copy_n(mat.ia.data(), mat.n, cursor.data());
   return pairs_up(mat, cursor.data(), meet);
 }
 

@@ -2,6 +2,7 @@
 #include "../support/dense.hpp"
 #include "../support/generators.hpp"
 #include "../support/messages.hpp"
+#include "../support/mirrored.hpp"
 #include "../support/observe.hpp"
 #include "../support/refusals.hpp"
 
@@ -158,31 +159,10 @@ void expect_sum_with_transpose(const entry_rows& rows, std::int32_t n) {
 // Patterns that are symmetric need no transpose, so patterns that are, and nearly are, are tried.
 RC_GTEST_PROP(SymmetrizeProperty, OfASymmetricPatternIsTheSumWithTheTransposeToo, ()) {
   const auto n = *rc::gen::inRange<std::int32_t>(1, 13);
-  const auto lower = *tests::any_rows(n, n);
-  entry_rows rows(static_cast<std::size_t>(n));
-  for (std::int32_t i = 1; i <= n; ++i)
-    for (std::int32_t j = 1; j <= n; ++j) {
-      const auto& row = lower[static_cast<std::size_t>(std::max(i, j) - 1)];
-      const auto found = std::find_if(row.begin(), row.end(), [&](const tests::entry& e) {
-        return e.column == std::min(i, j);
-      });
-      if (found != row.end())
-        rows[static_cast<std::size_t>(i - 1)].push_back({j, found->value + 0.1 * i});
-    }
+  entry_rows rows = tests::mirrored_rows(n);
   expect_sum_with_transpose(rows, n);
 
-  // One entry more or less, or two in another order.
-  auto& row = rows[static_cast<std::size_t>(*rc::gen::inRange<std::int32_t>(0, n))];
-  switch (*rc::gen::inRange(0, 3)) {
-    case 0:
-      row.insert(row.begin(), {*rc::gen::inRange<std::int32_t>(1, n + 1), 0.5});
-      break;
-    case 1:
-      std::reverse(row.begin(), row.end());
-      break;
-    default:
-      if (!row.empty()) row.pop_back();
-  }
+  tests::spoil(rows);
   expect_sum_with_transpose(rows, n);
 }
 

@@ -2,6 +2,7 @@
 #include "../support/dense.hpp"
 #include "../support/generators.hpp"
 #include "../support/messages.hpp"
+#include "../support/mirrored.hpp"
 #include "../support/observe.hpp"
 #include "../support/refusals.hpp"
 
@@ -185,6 +186,36 @@ RC_GTEST_PROP(TransposeProperty, IsTheOneWrittenPlaceByPlace, ()) {
   RC_ASSERT(mat_t.a.length() == mat_t.ja.length());
   RC_ASSERT(bare_t.ja.length() == mat_t.ja.length());
   RC_ASSERT(entries_of(mat) == rows);
+}
+
+void expect_transpose(const entry_rows& rows, std::int32_t n) {
+  const entry_rows expected = tests::dense::transpose(rows, n);
+  const csr_matrix mat = real_matrix(n, rows, 1);
+  csr_matrix mat_t;
+  csr_matrix bare_t;
+  csr_matrix counted_t;
+  observe([&] {
+    csr_matrix_transpose(mat, mat_t);
+    csr_matrix_transpose(pattern(n, columns_of(rows)), bare_t);
+    csr_matrix_transpose(mat, counted_t, n + 1);  // no square matrix: nothing to mirror
+  });
+  RC_ASSERT(entries_of(mat_t) == expected);
+  RC_ASSERT(columns_of(bare_t) == columns_of(expected));
+  RC_ASSERT(mat_t.m == n);
+  RC_ASSERT(mat_t.ja.length() == counted_t.ja.length());
+  RC_ASSERT(mat_t.a.length() == counted_t.a.length());
+  RC_ASSERT(std::equal(mat_t.ja.begin(), mat_t.ja.end(), counted_t.ja.begin()));
+  RC_ASSERT(std::equal(mat_t.ia.begin(), mat_t.ia.end(), counted_t.ia.begin()));
+  RC_ASSERT(entries_of(mat) == rows);
+}
+
+// Patterns that are symmetric keep their columns, so patterns that are, and nearly are, are tried.
+RC_GTEST_PROP(TransposeProperty, OfASymmetricPatternIsTheOneCountedToo, ()) {
+  const auto n = *rc::gen::inRange<std::int32_t>(1, 40);
+  entry_rows rows = tests::mirrored_rows(n);
+  expect_transpose(rows, n);
+  tests::spoil(rows);
+  expect_transpose(rows, n);
 }
 
 // Large enough to look ahead: columns far apart, and columns near those of the rows before.

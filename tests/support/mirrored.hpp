@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: MIT
+// Matrices with a symmetric pattern, and with one that nearly is.
+#pragma once
+
+#include "generators.hpp"
+#include "matrices.hpp"
+
+#include <rapidcheck.h>
+
+#include <algorithm>
+#include <cstdint>
+
+namespace tests {
+
+// Rows that ascend, with an entry (i, j) wherever there is one (j, i), of another value.
+inline entry_rows mirrored_rows(std::int32_t n) {
+  const auto lower = *any_rows(n, n);
+  entry_rows rows(static_cast<std::size_t>(n));
+  for (std::int32_t i = 1; i <= n; ++i)
+    for (std::int32_t j = 1; j <= n; ++j) {
+      const auto& row = lower[static_cast<std::size_t>(std::max(i, j) - 1)];
+      const auto found = std::find_if(row.begin(), row.end(),
+                                      [&](const entry& e) { return e.column == std::min(i, j); });
+      if (found != row.end())
+        rows[static_cast<std::size_t>(i - 1)].push_back({j, found->value + 0.1 * i});
+    }
+  return rows;
+}
+
+// One entry more or less, one side of the diagonal missing, or the entries of a row in another order.
+inline void spoil(entry_rows& rows) {
+  const auto n = static_cast<std::int32_t>(rows.size());
+  auto& row = rows[static_cast<std::size_t>(*rc::gen::inRange<std::int32_t>(0, n))];
+  switch (*rc::gen::inRange(0, 5)) {
+    case 0:
+      row.insert(row.begin(), {*rc::gen::inRange<std::int32_t>(1, n + 1), 0.5});
+      break;
+    case 1:
+      std::reverse(row.begin(), row.end());
+      break;
+    case 2:
+      if (!row.empty()) row.pop_back();
+      break;
+    case 3:
+      for (std::int32_t i = 1; i <= n; ++i)
+        std::erase_if(rows[static_cast<std::size_t>(i - 1)],
+                      [i](const entry& e) { return e.column > i; });
+      break;
+    default:
+      for (std::int32_t i = 1; i <= n; ++i)
+        std::erase_if(rows[static_cast<std::size_t>(i - 1)],
+                      [i](const entry& e) { return e.column < i; });
+  }
+}
+
+}  // namespace tests
