@@ -25,10 +25,10 @@ std::optional<std::string> broken_row_start(const csr_matrix& mat) {
     return "ia has " + number(mat.ia.length()) + " elements, n+1 = " + number(starts) +
            " are needed";
   if (mat.ia(1) != 1) return "ia(1) is " + number(mat.ia(1)) + ", not 1";
-  for (std::int32_t i = 1; i <= mat.n; ++i)
-    if (mat.ia(std::int64_t{i} + 1) < mat.ia(i))
+  for (std::int64_t i = 1; i <= mat.n; ++i)
+    if (mat.ia(i + 1) < mat.ia(i))
       return "row " + number(i) + " ends before it begins: ia goes from " + number(mat.ia(i)) +
-             " down to " + number(mat.ia(std::int64_t{i} + 1));
+             " down to " + number(mat.ia(i + 1));
   return {};
 }
 

@@ -18,7 +18,7 @@ namespace csr_matrix_mod {
 // nothing came out: then the caller counts and fills, with the same result to the last bit.
 template <class Fill>
 [[nodiscard]] bool formed_in_one_pass(csr_matrix& result, std::int64_t most, const Fill& fill) {
-  if (most < 1 || most > max_entries) return false;
+  if (most < 1 || most > entry_limit()) return false;
   const bool room =
       result.ja.allocate(most) && (result.type == matrix_structure_only || result.a.allocate(most));
   if (room) fill();

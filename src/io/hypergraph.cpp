@@ -37,7 +37,8 @@ void csr_matrix_dump_hypergraph(const csr_matrix& mat, std::string_view filename
       return put_integer(put_integer(to, mat.m, size_columns), mat.n, size_columns);
     });
     const csr_matrix& edges = columns;
-    for (std::int32_t j = 1; j <= mat.m; ++j) write_column(out, csr_matrix_getrow(edges, j));
+    for (std::int64_t j = 1; j <= mat.m; ++j)
+      write_column(out, csr_matrix_getrow(edges, static_cast<std::int32_t>(j)));
     out.flush();
     unit.close_written(filename);
   });

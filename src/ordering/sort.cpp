@@ -41,7 +41,9 @@ void sort_row(std::int32_t& len, std::int32_t* cols, const Values& values) {
     values.reorder(perm.data(), len);
   }
   std::int32_t k = 1;  // the last column kept
-  for (std::int32_t p = 2; p <= len; ++p) {
+  std::int32_t p = 1;
+  while (p < len) {
+    ++p;
     if (cols[k - 1] == cols[p - 1]) {
       values.add(k, p);
       continue;

@@ -2,9 +2,6 @@
 // Entries are counted in 64 bits and narrowed here, once, before storage is asked for.
 #pragma once
 
-#include "short_text.hpp"
-#include "stop.hpp"
-
 #include <cstdint>
 #include <string_view>
 
@@ -13,17 +10,12 @@ namespace csr_matrix_mod {
 // The last row start is one more than the number of entries and is a 32-bit integer too.
 inline constexpr std::int64_t max_entries = 2147483646;
 
+// The most that fit: `max_entries`, unless a test has set less, so that it meets the limit with a
+// handful of entries. 0 restores the usual limit.
+[[nodiscard]] std::int64_t entry_limit() noexcept;
+void set_entry_limit(std::int64_t most) noexcept;
+
 // Stops with "ROUTINE: COUNT entries do not fit, at most 2147483646".
-[[nodiscard]] inline std::int32_t entry_count(std::int64_t count, std::string_view routine) {
-  if (count > max_entries)
-    stop(short_text()
-             .append(routine)
-             .append(": ")
-             .append(count)
-             .append(" entries do not fit, at most ")
-             .append(max_entries)
-             .view());
-  return static_cast<std::int32_t>(count);
-}
+[[nodiscard]] std::int32_t entry_count(std::int64_t count, std::string_view routine);
 
 }  // namespace csr_matrix_mod
