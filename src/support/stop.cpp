@@ -14,8 +14,29 @@ namespace {
 
 std::atomic<stop_handler> current_handler{nullptr};
 
+// A line and its end go out together, whichever other thread writes to the stream too.
+class whole_line {
+ public:
+  explicit whole_line(std::FILE* stream) noexcept : stream_(stream) {
+#if defined(__unix__) || defined(__APPLE__)
+    ::flockfile(stream_);
+#endif
+  }
+  whole_line(const whole_line&) = delete;
+  whole_line& operator=(const whole_line&) = delete;
+  ~whole_line() {
+#if defined(__unix__) || defined(__APPLE__)
+    ::funlockfile(stream_);
+#endif
+  }
+
+ private:
+  std::FILE* stream_;
+};
+
 // Nothing is allocated here: the message may be about memory.
 void write_line(std::FILE* stream, std::string_view text) {
+  const whole_line line(stream);
   std::fwrite(text.data(), 1, text.size(), stream);
   std::fputc('\n', stream);
 }
