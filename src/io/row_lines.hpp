@@ -21,6 +21,22 @@ void write_line(byte_sink& out, int columns, const Put& put) {
   out.advance(static_cast<std::size_t>(end - first));
 }
 
+// The positions of the entries, in order: run(first, end) for those of rows without an empty row between
+// them, whose lines stand one below the other, and empty_row(i) in the place of a row without entries.
+template <class Run, class Empty>
+void for_each_run(const csr_matrix& mat, const Run& run, const Empty& empty_row) {
+  if (mat.n <= 0) return;
+  const std::int32_t* const starts = mat.ia.data();
+  std::int32_t first = starts[0];
+  for (std::int64_t i = 1; i <= mat.n; ++i) {
+    if (starts[i] > starts[i - 1]) continue;
+    if (first < starts[i - 1]) run(first, starts[i - 1]);
+    empty_row(i);
+    first = starts[i];
+  }
+  if (first < starts[mat.n]) run(first, starts[mat.n]);
+}
+
 // put(to, i, k) writes the line of the entry at position k in row i.
 template <class Put>
 void write_row_lines(byte_sink& out, const csr_matrix& mat, int columns, const Put& put) {

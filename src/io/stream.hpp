@@ -45,17 +45,16 @@ class byte_source {
   [[nodiscard]] bool next_line(std::string_view& line);
   static constexpr std::size_t kept_of_a_line = 1024;
 
-  // The bytes from the next line on, if the buffer holds `columns` of them and a line feed behind; null
-  // otherwise. Whoever sees no other line feed in those columns has a whole line, and `pass_line` goes
-  // past it. So fields of fixed columns are read where they are, without a search for each line's end.
-  [[nodiscard]] const char* line_of(std::size_t columns) const noexcept {
-    if (end_ - next_ <= columns) return nullptr;
-    const char* const first = buffer_.data() + next_;
-    return first[columns] == '\n' ? first : nullptr;
+  // The bytes from the next line on that are in the buffer, and the way past the first `count` lines
+  // of them, all of `bytes` bytes: fields of fixed columns are read where they are, without a search
+  // for each line's end.
+  [[nodiscard]] std::string_view held() const noexcept {
+    return {buffer_.data() + next_, end_ - next_};
   }
-  void pass_line(std::size_t columns) noexcept {
-    next_ += columns + 1;
-    ++line_number_;
+  void pass_lines(std::int64_t count, std::size_t bytes) noexcept {
+    if (count == 0) return;
+    next_ += static_cast<std::size_t>(count) * bytes;
+    line_number_ += count;
     line_unfinished_ = false;
   }
 
@@ -106,10 +105,13 @@ class byte_sink {
 
   // Room for up to `bytes` bytes in one piece, of which `advance` says how many were written.
   [[nodiscard]] char* room(std::size_t bytes) {
-    if (capacity() - used_ < bytes) make_room(bytes);
+    if (space() < bytes) make_room(bytes);
     return buffer_.data() + used_;
   }
   void advance(std::size_t bytes) noexcept { used_ += bytes; }
+
+  // The bytes for which there is room already.
+  [[nodiscard]] std::size_t space() const noexcept { return capacity() - used_; }
 
   void write(const void* from, std::size_t bytes);
   void write(std::string_view text) { write(text.data(), text.size()); }

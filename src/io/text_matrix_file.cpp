@@ -4,8 +4,10 @@
 #include "../support/matrix_fields.hpp"
 #include "file_error.hpp"
 #include "matrix_encodings.hpp"
+#include "row_lines.hpp"
 
 #include <algorithm>
+#include <limits>
 
 namespace csr_matrix_mod {
 
@@ -19,6 +21,9 @@ constexpr std::string_view an_integer = "an integer in columns 1 to 10";
 constexpr std::string_view another_integer = "an integer in columns 11 to 20";
 constexpr std::string_view a_value = "a value in columns 1 to 20";
 constexpr std::string_view end_of_file = "the end of the file";
+
+constexpr column_range any_integer = {std::numeric_limits<std::int32_t>::min(),
+                                      std::numeric_limits<std::int32_t>::max()};
 
 std::string line_place(std::int64_t number) { return "line " + std::to_string(number); }
 
@@ -47,25 +52,20 @@ class text_matrix_file final : public matrix_file {
   }
 
   void read_row_starts(std::int32_t* ia, std::int64_t count) override {
-    for (std::int64_t i = 0; i < count; ++i) ia[i] = next_integer();
+    read_integers(ia, count, any_integer);
   }
 
   void read_columns(csr_matrix& mat, column_range within) override {
-    std::int32_t* const columns = mat.ja.data();
-    for_each_line(mat, [&](std::int32_t k) {
-      const std::int32_t j = next_integer();
-      if (j < within.first || j > within.last)
-        refuse_line(
-            "a column from " + std::to_string(within.first) + " to " + std::to_string(within.last),
-            std::to_string(j));
-      columns[k - 1] = j;
+    for_each_line(mat, [&](std::int32_t first, std::int32_t end) {
+      read_integers(mat.ja.data() + (first - 1), std::int64_t{end} - first, within);
     });
   }
 
   void read_values(csr_matrix& mat) override {
     if (mat.type == matrix_structure_only) return;
-    double* const values = mat.a.data();
-    for_each_line(mat, [&](std::int32_t k) { values[k - 1] = next_value(); });
+    for_each_line(mat, [&](std::int32_t first, std::int32_t end) {
+      read_reals(mat.a.data() + (first - 1), std::int64_t{end} - first);
+    });
   }
 
   void finish() override {
@@ -111,40 +111,53 @@ class text_matrix_file final : public matrix_file {
     return *value;
   }
 
-  // Fields in the form that is written hold no line feed, so theirs is a whole line.
-  std::int32_t next_integer() {
-    if (const char* const field = source().line_of(integer_columns))
-      if (const std::optional<std::int32_t> value = quick_i10(field)) {
-        source().pass_line(integer_columns);
-        return *value;
-      }
-    next_line(an_integer, integer_columns);
-    return integer_of(line_.substr(0, integer_columns), an_integer);
+  // Fields in the form that is written are taken from the buffer, many lines at once; the line that
+  // is of another form, that is refused or that crosses a seam goes the general way.
+  template <class Number, class Quick, class General>
+  void read_fields(Number* to, std::int64_t count, std::size_t columns, const Quick& quick_lines,
+                   const General& next_number) {
+    while (count > 0) {
+      const std::int64_t taken = quick_lines(source().held(), to, count);
+      source().pass_lines(taken, columns + 1);
+      to += taken;
+      count -= taken;
+      if (count == 0) break;
+      *to++ = next_number();
+      --count;
+    }
   }
 
-  double next_value() {
-    if (const char* const field = source().line_of(value_columns))
-      if (const std::optional<double> value = quick_g20_8(field)) {
-        source().pass_line(value_columns);
-        return *value;
-      }
-    next_line(a_value, value_columns);
-    const std::string_view field = line_.substr(0, value_columns);
-    const std::optional<double> value = value_in(field, implied_digits);
-    if (!value) refuse_field(a_value, field);
-    return *value;
+  void read_integers(std::int32_t* to, std::int64_t count, column_range within) {
+    read_fields(
+        to, count, integer_columns,
+        [within](std::string_view text, std::int32_t* first, std::int64_t lines) {
+          return quick_i10_lines(text, first, lines, within.first, within.last);
+        },
+        [this, within] {
+          next_line(an_integer, integer_columns);
+          const std::int32_t j = integer_of(line_.substr(0, integer_columns), an_integer);
+          if (j < within.first || j > within.last)
+            refuse_line("a column from " + std::to_string(within.first) + " to " +
+                            std::to_string(within.last),
+                        std::to_string(j));
+          return j;
+        });
+  }
+
+  void read_reals(double* to, std::int64_t count) {
+    read_fields(to, count, value_columns, quick_g20_8_lines, [this] {
+      next_line(a_value, value_columns);
+      const std::string_view field = line_.substr(0, value_columns);
+      const std::optional<double> value = value_in(field, implied_digits);
+      if (!value) refuse_field(a_value, field);
+      return *value;
+    });
   }
 
   // Each row is one transfer: a line an entry, and one line for a row without entries.
   template <class Read>
-  void for_each_line(const csr_matrix& mat, const Read& read_entry) {
-    const std::int32_t* const starts = mat.ia.data();
-    for (std::int64_t i = 1; i <= mat.n; ++i) {
-      const std::int32_t first = starts[i - 1];
-      const std::int32_t end = starts[i];
-      for (std::int32_t k = first; k < end; ++k) read_entry(k);
-      if (first >= end) pass_empty_row(i);
-    }
+  void for_each_line(const csr_matrix& mat, const Read& read_entries) {
+    for_each_run(mat, read_entries, [this](std::int64_t i) { pass_empty_row(i); });
   }
 
   void pass_empty_row(std::int64_t i) {

@@ -11,23 +11,45 @@
 
 namespace csr_matrix_mod {
 
-void write_text(byte_sink& out, const csr_matrix& mat) {
-  const auto put_column = [columns = mat.ja.data()](char* to, std::int32_t, std::int32_t k) {
-    return put_i10(to, columns[k - 1]);
-  };
-  const auto put_value = [values = mat.a.data()](char* to, std::int32_t, std::int32_t k) {
-    return put_g20_8(to, values[k - 1]);
-  };
+namespace {
 
+// Lines of one field each, written by put(to, items, count), as many at once as the sink has room for.
+template <class Item>
+void write_lines(byte_sink& out, const Item* items, std::int64_t count, int columns,
+                 char* (*put)(char*, const Item*, std::int64_t) noexcept) {
+  const auto line = static_cast<std::size_t>(columns) + 1;
+  while (count > 0) {
+    char* const first = out.room(line);
+    const std::int64_t lines = std::min(count, static_cast<std::int64_t>(out.space() / line));
+    out.advance(static_cast<std::size_t>(put(first, items, lines) - first));
+    items += lines;
+    count -= lines;
+  }
+}
+
+// An item of each entry, and an empty line for each row without entries.
+template <class Item>
+void write_entries(byte_sink& out, const csr_matrix& mat, const Item* items, int columns,
+                   char* (*put)(char*, const Item*, std::int64_t) noexcept) {
+  for_each_run(
+      mat,
+      [&](std::int32_t first, std::int32_t end) {
+        write_lines(out, items + (first - 1), std::int64_t{end} - first, columns, put);
+      },
+      [&out](std::int64_t) { out.write("\n"); });
+}
+
+}  // namespace
+
+void write_text(byte_sink& out, const csr_matrix& mat) {
   std::string type;
   free_layout(type).put(mat.type == matrix_structure_only);
   out.write(type.append("\n"));
   write_line(out, 2 * i10_columns, [&](char* to) { return put_i10(put_i10(to, mat.n), mat.m); });
-  const std::int32_t* const starts = mat.ia.data();
-  for (std::int64_t i = 0; i <= mat.n; ++i)
-    write_line(out, i10_columns, [&](char* to) { return put_i10(to, starts[i]); });
-  write_row_lines(out, mat, i10_columns, put_column);
-  if (mat.type != matrix_structure_only) write_row_lines(out, mat, g20_8_columns, put_value);
+  write_lines(out, mat.ia.data(), std::int64_t{mat.n} + 1, i10_columns, put_i10_lines);
+  write_entries(out, mat, mat.ja.data(), i10_columns, put_i10_lines);
+  if (mat.type != matrix_structure_only)
+    write_entries(out, mat, mat.a.data(), g20_8_columns, put_g20_8_lines);
 }
 
 void write_unformatted(byte_sink& out, const csr_matrix& mat) {

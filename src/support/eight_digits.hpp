@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Eight decimal digits at once, as the bytes of one word whose lowest byte is the first digit.
+// Eight columns of text as one word whose lowest byte is the first column.
 #pragma once
 
 #include <bit>
@@ -8,16 +8,31 @@
 
 namespace csr_matrix_mod {
 
-// Words and text agree only where the lowest byte comes first; elsewhere fields go the general way.
-inline constexpr bool words_are_text = std::endian::native == std::endian::little;
+// Where the highest byte comes first in memory, words are turned round on their way.
+constexpr std::uint64_t lowest_first(std::uint64_t word) noexcept {
+  if constexpr (std::endian::native == std::endian::little) return word;
+  constexpr std::uint64_t bytes = 0x00ff00ff00ff00ffU;
+  constexpr std::uint64_t pairs = 0x0000ffff0000ffffU;
+  word = (word & bytes) << 8 | (word >> 8 & bytes);
+  word = (word & pairs) << 16 | (word >> 16 & pairs);
+  return word << 32 | word >> 32;
+}
+
+constexpr std::uint32_t lowest_first(std::uint32_t word) noexcept {
+  if constexpr (std::endian::native == std::endian::little) return word;
+  return static_cast<std::uint32_t>(lowest_first(std::uint64_t{word}) >> 32);
+}
 
 inline std::uint64_t load_word(const char* from) noexcept {
   std::uint64_t word = 0;
   std::memcpy(&word, from, sizeof word);
-  return word;
+  return lowest_first(word);
 }
 
-inline void store_word(char* to, std::uint64_t word) noexcept {
+// Eight columns, or four.
+template <class Word>
+void store_word(char* to, Word word) noexcept {
+  word = lowest_first(word);
   std::memcpy(to, &word, sizeof word);
 }
 
@@ -31,31 +46,26 @@ constexpr std::uint64_t low_bytes(unsigned count) noexcept {
   return (std::uint64_t{1} << (8 * count)) - 1;
 }
 
-// The digits, each a byte of 0 to 9, of a number below 10**8. Split in two, four and eight, all parts
-// of a step by one multiplication: 10486 / 2**20 is 1/100 and 103 / 2**10 is 1/10 for these.
-constexpr std::uint64_t digits_of(std::uint32_t number) noexcept {
-  const std::uint64_t fours = number / 10000 | std::uint64_t{number % 10000} << 32;
-  const std::uint64_t hundreds = ((fours * 10486) >> 20) & 0x0000007f0000007fU;
-  const std::uint64_t twos = hundreds | (fours - 100 * hundreds) << 16;
-  const std::uint64_t tens = ((twos * 103) >> 10) & 0x000f000f000f000fU;
-  return tens | (twos - 10 * tens) << 8;
+// All bits below the lowest one; all bits if there is none.
+constexpr std::uint64_t bits_below_lowest(std::uint64_t word) noexcept {
+  return (word - 1) & ~word;
 }
 
 constexpr bool are_digits(std::uint64_t text) noexcept {
   constexpr std::uint64_t high = eight_times('\xf0');
-  constexpr std::uint64_t zeros = eight_times('0');
-  return (text & high) == zeros && ((text + eight_times(6)) & high) == zeros;
+  return ((text & high) | ((text + eight_times(6)) & high) >> 4) == eight_times('\x33');
 }
 
-// The number that eight digits make; two, four and eight of them a step.
+// The number that eight digits make; two, four and eight of them a step. A step multiplies by ten to
+// the power of its parts and by one, the sum landing in the upper part.
 constexpr std::uint32_t number_of(std::uint64_t text) noexcept {
   const std::uint64_t digits = text & eight_times(15);
-  const std::uint64_t twos = (digits * 10 + (digits >> 8)) & 0x00ff00ff00ff00ffU;
-  const std::uint64_t fours = (twos * 100 + (twos >> 16)) & 0x0000ffff0000ffffU;
-  return static_cast<std::uint32_t>(fours * 10000 + (fours >> 32));
+  const std::uint64_t twos = (digits * ((10U << 8) + 1) >> 8) & 0x00ff00ff00ff00ffU;
+  const std::uint64_t fours = (twos * ((100U << 16) + 1) >> 16) & 0x0000ffff0000ffffU;
+  return static_cast<std::uint32_t>(fours * ((std::uint64_t{10000} << 32) + 1) >> 32);
 }
 
-static_assert(digits_of(12345678) == 0x0807060504030201U && digits_of(99999999) == eight_times(9));
-static_assert(number_of(digits_of(12345678)) == 12345678);
+static_assert(number_of(0x3837363534333231U) == 12345678 && are_digits(0x3837363534333231U));
+static_assert(number_of(eight_times('9')) == 99999999 && !are_digits(0x383736353433312fU));
 
 }  // namespace csr_matrix_mod

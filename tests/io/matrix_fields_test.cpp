@@ -9,10 +9,12 @@
 #include <cmath>
 #include <cstdint>
 #include <cstring>
+#include <iterator>
 #include <limits>
 #include <random>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace {
 
@@ -21,11 +23,15 @@ using csr_matrix_mod::g20_8_columns;
 using csr_matrix_mod::i10_columns;
 using csr_matrix_mod::integer_in;
 using csr_matrix_mod::put_g20_8;
+using csr_matrix_mod::put_g20_8_lines;
 using csr_matrix_mod::put_general;
 using csr_matrix_mod::put_i10;
+using csr_matrix_mod::put_i10_lines;
 using csr_matrix_mod::put_integer;
 using csr_matrix_mod::quick_g20_8;
+using csr_matrix_mod::quick_g20_8_lines;
 using csr_matrix_mod::quick_i10;
+using csr_matrix_mod::quick_i10_lines;
 using csr_matrix_mod::value_in;
 
 // A field and the bytes behind it, which no writer may touch and no reader may need.
@@ -214,7 +220,62 @@ TEST(QuickInteger, IsWrittenAndReadAsTheGeneralOne) {
   ASSERT_TRUE(check(std::numeric_limits<std::int32_t>::min()));
   EXPECT_EQ(quick_i10("         0"), 0);
   EXPECT_EQ(quick_i10("  99999999"), 99999999);
-  EXPECT_EQ(quick_i10("          "), std::nullopt);
+  EXPECT_EQ(quick_i10("          "), 0);
+}
+
+std::string lines_of(const std::vector<double>& values) {
+  std::string text(21 * values.size(), '#');
+  EXPECT_EQ(put_g20_8_lines(text.data(), values.data(), std::ssize(values)),
+            text.data() + text.size());
+  return text;
+}
+
+std::string lines_of(const std::vector<std::int32_t>& values) {
+  std::string text(11 * values.size(), '#');
+  EXPECT_EQ(put_i10_lines(text.data(), values.data(), std::ssize(values)),
+            text.data() + text.size());
+  return text;
+}
+
+TEST(QuickLines, AreFieldsOneBelowTheOther) {
+  EXPECT_EQ(lines_of(std::vector<std::int32_t>{7, -1, 2147483647, 0}),
+            "         7\n        -1\n2147483647\n         0\n");
+  EXPECT_EQ(lines_of(std::vector<double>{1.5, -0.0, 1e-200, -12345678}),
+            "       1.5000000    \n      -0.0000000    \n      0.10000000-199\n"
+            "      -12345678.    \n");
+  EXPECT_EQ(lines_of(std::vector<double>{}), "");
+}
+
+TEST(QuickLines, AreTakenUpToTheFirstThatIsNotWhole) {
+  const std::string text = lines_of(std::vector<std::int32_t>{5, 60, 700});
+  std::array<std::int32_t, 4> to = {-1, -1, -1, -1};
+  EXPECT_EQ(quick_i10_lines(text, to.data(), 4, 1, 1000), 3);
+  EXPECT_EQ(to, (std::array<std::int32_t, 4>{5, 60, 700, -1}));
+  EXPECT_EQ(quick_i10_lines(text, to.data(), 2, 1, 1000), 2);
+  EXPECT_EQ(quick_i10_lines(text.substr(0, text.size() - 1), to.data(), 4, 1, 1000), 2);
+  EXPECT_EQ(quick_i10_lines("", to.data(), 4, 1, 1000), 0);
+}
+
+TEST(QuickLines, AreTakenUpToTheFirstOfAnotherFormOrOutOfBounds) {
+  const std::string text = lines_of(std::vector<std::int32_t>{5, 60, 700});
+  std::array<std::int32_t, 3> to = {-1, -1, -1};
+  EXPECT_EQ(quick_i10_lines(text, to.data(), 3, 6, 1000), 0);
+  EXPECT_EQ(quick_i10_lines(text, to.data(), 3, 5, 699), 2);
+  EXPECT_EQ(to, (std::array<std::int32_t, 3>{5, 60, -1}));  // left to the general way
+  for (const std::size_t column : {10U, 11U, 15U, 20U, 21U}) {
+    std::string spoilt = text;
+    spoilt[column] = '*';
+    EXPECT_EQ(quick_i10_lines(spoilt, to.data(), 3, 1, 1000), column < 11 ? 0 : 1) << column;
+  }
+}
+
+TEST(QuickLines, OfValuesAreTakenUpToTheFirstOfAnotherForm) {
+  const std::string text = lines_of(std::vector<double>{1.5, -2e-7, 1e30, 4});
+  std::array<double, 4> to = {9, 9, 9, 9};
+  EXPECT_EQ(quick_g20_8_lines(text, to.data(), 4), 2);  // 1e23 and 1e-23 are no doubles
+  EXPECT_EQ(to, (std::array<double, 4>{1.5, -2e-7, 9, 9}));
+  EXPECT_EQ(quick_g20_8_lines(std::string_view(text).substr(63), to.data(), 4), 1);
+  EXPECT_EQ(quick_g20_8_lines(std::string_view(text).substr(0, 41), to.data(), 4), 1);
 }
 
 }  // namespace
