@@ -171,6 +171,18 @@ void pass_through_files(const csr_matrix& mat, const std::string& prefix, accoun
   made.add(back);
 }
 
+// Runs `work` in all threads at the same time.
+void together(const std::function<void(unsigned thread)>& work) {
+  std::atomic<unsigned> ready{0};
+  std::vector<std::thread> threads;
+  for (unsigned t = 0; t < thread_count; ++t)
+    threads.emplace_back([&, t] {
+      for (++ready; ready < thread_count;) std::this_thread::yield();
+      work(t);
+    });
+  for (std::thread& thread : threads) thread.join();
+}
+
 struct stopped : std::runtime_error {
   using std::runtime_error::runtime_error;
 };
@@ -232,20 +244,12 @@ TEST(DifferentRecordsInDifferentThreads, GiveWhatOneThreadGives) {
             first_unit + static_cast<std::int32_t>(thread_count) * rounds * left_open);
   close_all_units();
 
-  std::vector<std::string> together(thread_count);
-  std::atomic<unsigned> ready{0};
+  std::vector<std::string> at_once(thread_count);
   const tests::observed after = tests::observe([&] {
-    with_throwing_handler([&] {
-      std::vector<std::thread> threads;
-      for (unsigned t = 0; t < thread_count; ++t)
-        threads.emplace_back([&, t] {
-          for (++ready; ready < thread_count;) std::this_thread::yield();
-          together[t] = worked(t, prefix_of(folder, t));
-        });
-      for (std::thread& thread : threads) thread.join();
-    });
+    with_throwing_handler(
+        [&] { together([&](unsigned t) { at_once[t] = worked(t, prefix_of(folder, t)); }); });
   });
-  EXPECT_EQ(together, alone);
+  EXPECT_EQ(at_once, alone);
   EXPECT_EQ(lines_of(after.output), lines_of(before.output));
   EXPECT_EQ(vacant_unit(),
             first_unit + static_cast<std::int32_t>(thread_count) * rounds * left_open);
@@ -253,18 +257,15 @@ TEST(DifferentRecordsInDifferentThreads, GiveWhatOneThreadGives) {
 }
 
 TEST(LinesOfDifferentThreads, AreNotMixed) {
-  constexpr int lines = 400;
+  constexpr int lines = 20000;
   const tests::observed seen = tests::observe([] {
-    std::vector<std::thread> threads;
-    for (unsigned t = 0; t < thread_count; ++t)
-      threads.emplace_back([] {
-        for (int k = 0; k < lines; ++k) {
-          csr_matrix nothing;
-          nothing.type = matrix_structure_only;
-          csr_matrix_deallocate(nothing);
-        }
-      });
-    for (std::thread& thread : threads) thread.join();
+    together([](unsigned) {
+      for (int k = 0; k < lines; ++k) {
+        csr_matrix nothing;
+        nothing.type = matrix_structure_only;
+        csr_matrix_deallocate(nothing);
+      }
+    });
   });
   const std::multiset<std::string> found = lines_of(seen.output);
   constexpr std::size_t each = std::size_t{thread_count} * lines;
@@ -276,21 +277,18 @@ TEST(LinesOfDifferentThreads, AreNotMixed) {
 TEST(AHandlerThatIsSet, IsSeenByAThreadAtWork) {
   std::atomic<int> seen{0};
   with_throwing_handler([&seen] {
-    std::vector<std::thread> threads;
-    for (unsigned t = 0; t < thread_count; ++t)
-      threads.emplace_back([&seen] {
-        csr_matrix graph;
-        graph.type = matrix_structure_only;
-        for (int k = 0; k < 200; ++k) {
-          set_stop_handler([](std::string_view message) { throw stopped(std::string(message)); });
-          try {
-            csr_matrix_setval(graph, 1.0);
-          } catch (const stopped&) {
-            ++seen;
-          }
+    together([&seen](unsigned) {
+      csr_matrix graph;
+      graph.type = matrix_structure_only;
+      for (int k = 0; k < 200; ++k) {
+        set_stop_handler([](std::string_view message) { throw stopped(std::string(message)); });
+        try {
+          csr_matrix_setval(graph, 1.0);
+        } catch (const stopped&) {
+          ++seen;
         }
-      });
-    for (std::thread& thread : threads) thread.join();
+      }
+    });
   });
   EXPECT_EQ(seen, static_cast<int>(thread_count) * 200);
 }
