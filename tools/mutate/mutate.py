@@ -6,12 +6,13 @@
 
 Works on a copy of the tree in build/mutate; the tree itself is not touched. The library is built as
 a shared one, so that for a bug one object is compiled and one library linked. Then the tests run, those
-of the chapter first, until one fails or takes far too long. What they all let pass is tried again under
-the address and undefined-behaviour sanitizers. The same seed draws the same bugs from the same source.
+of the chapter first, until one fails or takes far too long. What they all let pass is tried again in
+the end under the address and undefined-behaviour sanitizers. The same seed draws the same bugs from the
+same source.
 
 A bug that does not compile, or that gives the same machine code, is replaced by the next one of its
-file. One that is listed in tools/mutate/harmless.txt changes nothing that is promised, for the reason
-given there; it is not run. The rest is counted: build/mutate/report.txt.
+file. One that is listed in tools/mutate/harmless.txt, or whose file is, changes nothing that is
+promised, for the reason given there; it is not run. The rest is counted: build/mutate/report.txt.
 """
 
 import argparse
@@ -180,7 +181,7 @@ class planted:
 
 
 def harmless():
-    """key -> reason; a key is `file | before | after`, a reason the indented line below it."""
+    """key -> reason; a key is `file | before | after` or a file, a reason the indented line below it."""
     reasons, key = {}, None
     if not HARMLESS.exists():
         return reasons
@@ -199,6 +200,7 @@ def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("--count", type=int, default=200)
     parser.add_argument("--seed", type=int, default=1)
+    parser.add_argument("--plain", action="store_true", help="do without the sanitizers")
     parser.add_argument("--only", default="", help="files whose name contains this")
     options = parser.parse_args()
 
@@ -213,7 +215,6 @@ def main():
     print(f"{sum(map(len, by_file.values()))} bugs can be planted in {len(by_file)} files", flush=True)
 
     plain = Build("plain", "-O1", limited=True)
-    sanitized = None
     good = plain.code()
     reasons = harmless()
     killed, survived, left_out = [], [], []
@@ -228,28 +229,19 @@ def main():
         return f"{bug.file}:{bug.line}: {bug.name}: {bug.before.strip()} -> {bug.after.strip()}"
 
     def try_one(bug):
-        """killed, survived, or None where there is nothing to try."""
-        nonlocal sanitized
+        """False where there is nothing to try."""
         with planted(bug):
             if plain.ninja("csr_matrix_mod").returncode != 0 or plain.code() == good:
-                return None
+                return False
             by = plain.killer(bug)
-        if by is None:
-            if sanitized is None:
-                sanitized = Build("sanitized",
-                                  "-O1 -fsanitize=address,undefined -fno-sanitize-recover=all", False)
-            with planted(bug):
-                sanitized.ninja("csr_matrix_mod")
-                by = sanitized.killer(bug)
-                by = by and by + ", sanitized"
         if by == "the compiler":
-            return None
-        say(f"{'killed by ' + by if by else 'SURVIVED'}: {describe(bug)}")
+            return False
+        say(f"{'killed by ' + by if by else 'survived'}: {describe(bug)}")
         (killed if by else survived).append(bug)
-        return by
+        return True
 
     for file, share, candidates in planting.draw(by_file, options.count, options.seed):
-        if options.only not in file:
+        if options.only not in file or file in reasons:
             continue
         done = 0
         for bug in candidates:
@@ -258,10 +250,19 @@ def main():
             if bug.key() in reasons:
                 left_out.append(bug)
                 say(f"harmless: {describe(bug)}: {reasons[bug.key()]}")
-                continue
-            before = len(killed) + len(survived)
-            try_one(bug)
-            done += len(killed) + len(survived) - before
+            else:
+                done += try_one(bug)
+
+    if survived and not options.plain:
+        sanitized = Build("sanitized", "-O1 -fsanitize=address,undefined -fno-sanitize-recover=all", False)
+        for bug in list(survived):
+            with planted(bug):
+                sanitized.ninja("csr_matrix_mod")
+                by = sanitized.killer(bug)
+            if by:
+                say(f"killed by {by}, sanitized: {describe(bug)}")
+                survived.remove(bug)
+                killed.append(bug)
 
     total = len(killed) + len(survived)
     chapters = collections.Counter(bug.file.split("/")[1] for bug in killed + survived)
