@@ -2,6 +2,7 @@
 #include "command.hpp"
 #include "console.hpp"
 #include "files.hpp"
+#include "limits.hpp"
 #include "structure.hpp"
 
 #include <csr_matrix_mod/csr_matrix_mod.hpp>
@@ -67,8 +68,15 @@ std::int32_t condensed_columns(const csr_matrix& mat) {
   return pattern.m;
 }
 
+// Columns without entries take no room in a file, but some in the work arrays of a condensation.
+void require_memory_for_columns(const csr_matrix& mat, const std::string& file) {
+  constexpr std::int64_t bytes_a_column = 7 * sizeof(std::int32_t);
+  require_memory(bytes_a_column * mat.m, file + ": condensing its columns");
+}
+
 void info(const std::string& file) {
   const csr_matrix mat = read_matrix(file);
+  require_memory_for_columns(mat, file);
   print("rows", mat.n);
   print("columns", mat.m);
   print("entries", csr_matrix_num_nz(mat));

@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "csrmat.hpp"
 
+#include <unistd.h>
+
+#include <cstdint>
+
 namespace {
 
 using tests::csrmat;
@@ -65,6 +69,17 @@ TEST(Info, HasRoomForAMatrixWithoutEntries) {
   EXPECT_NE(seen.out.find("longest row                   0\n"), std::string::npos);
   EXPECT_NE(seen.out.find("structurally symmetric        yes\n"), std::string::npos);
   EXPECT_EQ(seen.out.find("allocating"), std::string::npos);
+}
+
+TEST(Info, RefusesColumnsThatThisMachineCannotCondense) {
+  constexpr std::int64_t bytes = std::int64_t{28} * 2147483646;
+  if (std::int64_t{sysconf(_SC_PHYS_PAGES)} * sysconf(_SC_PAGESIZE) >= bytes)
+    GTEST_SKIP() << "this machine can";
+  const matrix_folder folder;
+  folder.write("wide.mtx", "%%MatrixMarket matrix coordinate pattern general\n1 2147483646 0\n");
+  tests::expect_refusal_about(
+      {"info", folder.path("wide.mtx")},
+      "wide.mtx: condensing its columns needs 60129 MB of memory, this machine has ");
 }
 
 }  // namespace
