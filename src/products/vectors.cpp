@@ -2,6 +2,7 @@
 // Matrix times vector, plain and transposed; with the values, or with the pattern where every entry
 // weighs 1.
 #include "../support/stop.hpp"
+#include "entries_ahead.hpp"
 
 #include <csr_matrix_mod/products.hpp>
 
@@ -22,6 +23,8 @@ struct weighted {
 
 // Adds the element x; the sum wraps at 32 bits.
 struct unweighted {
+  static constexpr const double* values = nullptr;
+
   [[nodiscard]] std::int32_t operator()(std::int32_t sum, std::int32_t, std::int32_t x) const {
     return static_cast<std::int32_t>(static_cast<std::uint32_t>(sum) +
                                      static_cast<std::uint32_t>(x));
@@ -42,11 +45,12 @@ void multiply(const csr_matrix& mat, array_view<const T> x, array_view<T> y, con
   const std::int32_t* const columns = mat.ja.data();
   const T* const from = x.data();
   T* const to = y.data();
+  const entries_ahead entries(mat, add.values);
 
   for (std::int64_t i = 1; i <= mat.n; ++i) {
     T sum = 0;
-    const std::int32_t end = starts[i];
-    for (std::int32_t k = starts[i - 1]; k < end; ++k) sum = add(sum, k, from[columns[k - 1] - 1]);
+    entries.visit(starts[i - 1], starts[i],
+                  [&](std::int32_t k) { sum = add(sum, k, from[columns[k - 1] - 1]); });
     to[i - 1] = sum;
   }
 }
@@ -59,15 +63,15 @@ void multiply_transposed(const csr_matrix& mat, array_view<const T> x, array_vie
   const std::int32_t* const columns = mat.ja.data();
   const T* const from = x.data();
   T* const to = y.data();
+  const entries_ahead entries(mat, add.values);
 
   std::fill(y.begin(), y.end(), T{0});
   for (std::int64_t i = 1; i <= mat.n; ++i) {
     const T xi = from[i - 1];
-    const std::int32_t end = starts[i];
-    for (std::int32_t k = starts[i - 1]; k < end; ++k) {
+    entries.visit(starts[i - 1], starts[i], [&](std::int32_t k) {
       T& sum = to[columns[k - 1] - 1];
       sum = add(sum, k, xi);
-    }
+    });
   }
 }
 

@@ -220,4 +220,35 @@ RC_GTEST_PROP(IntegerVectors, AgreeWithTheDenseSums, ()) {
             dense::transpose_times(columns, m, z));
 }
 
+// More entries than the cache holds, in rows of none, few, some and very many; columns all over.
+TEST(AllVectors, OfALargeMatrixAgreeWithTheDenseSumsBitForBit) {
+  constexpr std::int32_t n = 1009;
+  entry_rows rows(n);
+  std::int64_t walk = 1;
+  const auto any = [&walk] { return walk = walk * 48271 % 2147483647; };
+  for (std::int32_t i = 0; i < n; ++i)
+    for (std::int32_t k = i == n / 2 ? 240000 : i % 4 == 0 ? i % 401 : i % 29; k > 0; --k)
+      rows[static_cast<std::size_t>(i)].push_back(
+          {static_cast<std::int32_t>(any() % n) + 1, static_cast<double>(any()) * 0.1});
+  doubles x;
+  ints integers;
+  for (std::int32_t i = 0; i < n; ++i) {
+    x.push_back(static_cast<double>(any()) * 0.1);
+    integers.push_back(static_cast<std::int32_t>(any()));
+  }
+  const doubles y(x.size(), 9.0);
+  const ints w(x.size(), 9);
+  const csr_matrix mat = real_matrix(n, rows);
+  EXPECT_EQ(bits(applied(csr_matrix_multiply_rvector, mat, x, y)), bits(dense::times(rows, x)));
+  EXPECT_EQ(bits(applied(csr_matrix_trans_mult_rvector, mat, x, y)),
+            bits(dense::transpose_times(rows, n, x)));
+
+  const column_rows columns = columns_of(rows);
+  const csr_matrix bare = pattern(n, columns);
+  EXPECT_EQ(applied(csr_matrix_multiply_ivector, bare, integers, w),
+            dense::times(columns, integers));
+  EXPECT_EQ(applied(csr_matrix_trans_mult_ivector, bare, integers, w),
+            dense::transpose_times(columns, n, integers));
+}
+
 }  // namespace

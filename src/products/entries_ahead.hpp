@@ -1,0 +1,66 @@
+// SPDX-License-Identifier: MIT
+// Entries of a matrix larger than the cache, asked for before their turn.
+#pragma once
+
+#include "../support/prefetch.hpp"
+
+#include <csr_matrix_mod/csr_matrix.hpp>
+
+#include <algorithm>
+#include <cstdint>
+
+namespace csr_matrix_mod {
+
+// Walks the entries of one row after the other. A processor that jumps to an element of a vector for
+// each entry does not look far along the columns and the values, which come in order. Asked for 4 KiB
+// ahead, y = A x is 1.7 times as fast for 5 points a row, 1.8 for 7, 1.15 for 27 and 2 for random
+// columns, y = A' x 1.6, 1.7, 1.15 and 1.2 to 2 times. Steps of eight entries alone are worth 1.1 for
+// 27 points a row in the cache.
+class entries_ahead {
+ public:
+  // `values` is null where the pattern alone is read.
+  entries_ahead(const csr_matrix& mat, const double* values)
+      : columns_(mat.ja.data()), values_(values), last_(last_worth_it(mat.ja.length())) {}
+
+  // Visits the positions from `first` on up to, but without, `end`. Entries of long rows are asked for
+  // eight at a time; those of a short row once.
+  template <class Visit>
+  [[gnu::always_inline]] inline void visit(std::int32_t first, std::int32_t end,
+                                           const Visit& visit) const {
+    std::int32_t k = first;
+    if (std::int64_t{end} - first > 2 * a_line) {
+      while (end - k > a_line) {
+        ask(k);
+        for (const std::int32_t next = k + a_line; k < next; ++k) visit(k);
+      }
+    } else {
+      ask(k);
+    }
+    for (; k < end; ++k) visit(k);
+  }
+
+ private:
+  static constexpr std::int32_t a_line = 8;  // values in 64 bytes
+  static constexpr std::int32_t values_ahead = 512;
+  static constexpr std::int32_t columns_ahead = 1024;
+  static constexpr std::int64_t fits_the_cache = 1 << 18;
+
+  static std::int32_t last_worth_it(std::int64_t stored) {
+    if (stored < fits_the_cache) return 0;
+    return static_cast<std::int32_t>(std::min(stored, std::int64_t{INT32_MAX}) - columns_ahead);
+  }
+
+  [[gnu::always_inline]] inline void ask(std::int32_t k) const {
+    if (k > last_) return;
+    prefetch_for_reading(columns_ + (k + columns_ahead - 1));
+    if (values_ == nullptr) return;
+    prefetch_for_reading(values_ + (k + values_ahead - 1));
+    prefetch_for_reading(values_ + (k + values_ahead + a_line - 1));
+  }
+
+  const std::int32_t* columns_;
+  const double* values_;
+  std::int32_t last_;
+};
+
+}  // namespace csr_matrix_mod
