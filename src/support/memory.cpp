@@ -27,14 +27,15 @@ std::size_t at_least_one(std::size_t bytes) noexcept { return std::max<std::size
 // Filling fresh memory is what a product waits for most, page by page: with pages of 2 MiB the square
 // of a 5-point matrix with a million rows takes half the time (67 instead of 128 ms). The system is
 // asked for them inside large blocks, and whatever it answers the block is good.
+constexpr std::size_t worth_it = std::size_t{4} << 20;
+constexpr std::size_t huge_page = std::size_t{2} << 20;
+
 void* with_huge_pages(void* block, std::size_t bytes) noexcept {
 #if defined(__linux__) && defined(MADV_HUGEPAGE)
-  constexpr std::size_t worth_it = std::size_t{8} << 20;
-  constexpr std::uintptr_t page = std::uintptr_t{2} << 20;
   if (block == nullptr || bytes < worth_it) return block;
   const auto address = reinterpret_cast<std::uintptr_t>(block);
-  const std::uintptr_t first = (address + page - 1) / page * page;
-  const std::uintptr_t end = (address + bytes) / page * page;
+  const std::uintptr_t first = (address + huge_page - 1) / huge_page * huge_page;
+  const std::uintptr_t end = (address + bytes) / huge_page * huge_page;
   (void)::madvise(static_cast<char*>(block) + (first - address), end - first, MADV_HUGEPAGE);
 #else
   (void)bytes;
@@ -42,10 +43,21 @@ void* with_huge_pages(void* block, std::size_t bytes) noexcept {
   return block;
 }
 
+// A large block begins with such a page where it can, so that only its end is filled in small ones, and
+// 4 MiB are large: together a binary file of 64 MB is read in 12.1 instead of 14.9 ms, one of 30 MB in
+// 6.0 instead of 7.6, and the square above takes 7 % less.
+void* obtain_block(std::size_t bytes) noexcept {
+#if defined(__linux__) && defined(MADV_HUGEPAGE)
+  void* block = nullptr;
+  if (bytes >= worth_it && ::posix_memalign(&block, huge_page, bytes) == 0) return block;
+#endif
+  return std::malloc(at_least_one(bytes));
+}
+
 }  // namespace
 
 void* obtain(std::size_t bytes) noexcept {
-  return refused(bytes) ? nullptr : with_huge_pages(std::malloc(at_least_one(bytes)), bytes);
+  return refused(bytes) ? nullptr : with_huge_pages(obtain_block(bytes), bytes);
 }
 
 void* obtain_zeroed(std::size_t bytes) noexcept {
