@@ -2,9 +2,12 @@
 #include "console.hpp"
 #include "tool.hpp"
 
+#include <csignal>
 #include <cstdlib>
 
 int main(int argc, char** argv) {
+  // A file that may not grow is a failed write like any other, not the end.
+  std::signal(SIGXFSZ, SIG_IGN);
   return csrmat::guarded([=] {
     csrmat::console streams;
     const int status = csrmat::run(argc, argv);

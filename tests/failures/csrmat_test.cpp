@@ -1,0 +1,116 @@
+// SPDX-License-Identifier: MIT
+// The tool where memory or the disk runs out: one line and a status that says so, and the file of
+// before, whole, unless there is a new one, whole.
+#include "../apps/csrmat.hpp"
+
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <iterator>
+#include <string>
+#include <string_view>
+
+namespace {
+
+using tests::csrmat;
+using tests::matrix_folder;
+using tests::process_result;
+
+std::ptrdiff_t files_in(const matrix_folder& folder) {
+  return std::distance(std::filesystem::directory_iterator(folder.path("")), {});
+}
+
+void expect_one_line(const process_result& seen) {
+  EXPECT_EQ(seen.status, 1);
+  EXPECT_EQ(seen.out, "");
+  EXPECT_EQ(seen.err.rfind("csrmat: ", 0), 0U) << seen.err;
+  EXPECT_EQ(std::count(seen.err.begin(), seen.err.end(), '\n'), 1) << seen.err;
+}
+
+// The command line with request k refused by what is loaded before the program.
+process_result csrmat_refused(int k, const std::vector<std::string>& arguments) {
+  std::vector<std::string> words = {"env", "LD_PRELOAD=" REFUSE_MEMORY,
+                                    "REFUSED_REQUEST=" + std::to_string(k), CSRMAT};
+  words.insert(words.end(), arguments.begin(), arguments.end());
+  return tests::run_process(words);
+}
+
+TEST(CsrmatWithoutMemory, SaysSoInOneLineAndReplacesTheFileWholeOrNotAtAll) {
+  if (std::string_view(REFUSE_MEMORY).empty())
+    GTEST_SKIP() << "a sanitizer or a counter has the memory of this build";
+  const matrix_folder folder;
+  const std::string target = folder.path("sorted.csr");
+  tests::expect_quiet({"sort", folder.path("repeated.mtx"), target});
+  const std::string sorted = tests::read_file(target);
+  const std::string before = "the file of before";
+
+  int refused = 0;
+  for (int k = 0, successes = 0; successes < 100; ++k) {  // a success may be a refusal ignored
+    SCOPED_TRACE(testing::Message() << "request " << k);
+    std::filesystem::remove(target);
+    tests::write_file(target, before);
+    const auto files = files_in(folder);
+    const process_result seen = csrmat_refused(k, {"sort", folder.path("repeated.mtx"), target});
+    EXPECT_EQ(files_in(folder), files);
+    if (seen.status == 0) {
+      ++successes;
+      EXPECT_EQ(tests::read_file(target), sorted);
+      continue;
+    }
+    successes = 0;
+    ++refused;
+    expect_one_line(seen);
+    EXPECT_EQ(tests::read_file(target), before);
+    if (HasFailure()) return;
+  }
+  EXPECT_GT(refused, 20);
+  RecordProperty("refused", refused);
+}
+
+// Nothing that is started grows a file beyond so many bytes while this lives.
+class largest_file {
+ public:
+  explicit largest_file(rlim_t bytes) {
+    getrlimit(RLIMIT_FSIZE, &before_);
+    const rlimit now{bytes, before_.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &now);
+  }
+  largest_file(const largest_file&) = delete;
+  largest_file& operator=(const largest_file&) = delete;
+  ~largest_file() { setrlimit(RLIMIT_FSIZE, &before_); }
+
+ private:
+  rlimit before_{};
+};
+
+TEST(CsrmatOnAFullDisk, SaysSoInOneLineAndLeavesTheFileOfBefore) {
+  const matrix_folder folder;
+  const std::string matrix = folder.path("poisson.mtx");
+  tests::expect_quiet({"gallery", "poisson2d", matrix, "--size", "8"});
+  const std::string before = "the file of before";
+  for (const char* const name :
+       {"a b.csr", "a b.csrb", "a b.mtx", "a b.dump", "a b.ija", "a b.hgr"}) {
+    const std::string target = folder.path(name);
+    tests::expect_quiet({"convert", matrix, target});
+    const auto size = static_cast<rlim_t>(tests::read_file(target).size());
+    // Room for the line on standard error, which is a file here, is left in any case.
+    for (rlim_t room = 300; room <= size; room += size / 8) {
+      tests::write_file(target, before);
+      const auto files = files_in(folder);
+      process_result seen;
+      {
+        const largest_file full(std::min(room, size - 1));
+        seen = csrmat({"convert", matrix, target});
+      }
+      expect_one_line(seen);
+      EXPECT_EQ(seen.err, "csrmat: " + target + ": cannot write: File too large\n");
+      EXPECT_EQ(tests::read_file(target), before);
+      EXPECT_EQ(files_in(folder), files);
+    }
+  }
+}
+
+}  // namespace
