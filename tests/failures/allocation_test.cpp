@@ -94,7 +94,7 @@ csr_matrix left_matrix(operands which) {
 // A file for each kind of operands, in each of the encodings.
 std::string file_with_left(operands which) {
   static const tests::temporary_folder folder;
-  const std::string file = folder.path(name_of(which));
+  std::string file = folder.path(name_of(which));
   // A file is made more quickly than it is emptied.
   for (const char* const suffix : {"", ".com"}) std::filesystem::remove(file + suffix);
   if (std::filesystem::exists(file + ".csr")) return file;

@@ -22,6 +22,7 @@ bool fails(int error) {
 
 }  // namespace
 
+// NOLINTBEGIN(bugprone-reserved-identifier): the names are those of others
 extern "C" {
 
 std::FILE* __real_fopen(const char* name, const char* mode);
@@ -63,6 +64,7 @@ int __wrap_fclose(std::FILE* file) {
 }
 
 }  // extern "C"
+// NOLINTEND(bugprone-reserved-identifier)
 
 namespace tests {
 

@@ -31,6 +31,7 @@ int counted_main(int argc, char** argv, char** environment) {
 
 }  // namespace
 
+// NOLINTBEGIN(bugprone-reserved-identifier,readability-inconsistent-*): all names are those of others
 extern "C" {
 
 void* __libc_malloc(std::size_t bytes);
@@ -55,3 +56,4 @@ int __libc_start_main(main_function program, int argc, char** argv, void (*init)
 }
 
 }  // extern "C"
+// NOLINTEND(bugprone-reserved-identifier,readability-inconsistent-*)

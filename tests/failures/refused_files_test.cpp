@@ -42,7 +42,7 @@ class Reader : public testing::TestWithParam<reader> {
   //     [ 7   .   4 ]
   [[nodiscard]] std::string file_named(const std::string& name) const {
     const csr_matrix mat = tests::real_matrix(3, {{{3, 1.0}, {2, -0.5}}, {}, {{1, 7.0}, {3, 4.0}}});
-    const std::string file = folder.path(name);
+    std::string file = folder.path(name);
     switch (GetParam().kind) {
       case tests::file_kind::text:
         csr_matrix_dump(file, mat);
