@@ -11,8 +11,11 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <cstddef>
 #include <cstdint>
+#include <filesystem>
 #include <functional>
+#include <iterator>
 #include <random>
 #include <set>
 #include <sstream>
@@ -232,6 +235,10 @@ std::string prefix_of(const tests::temporary_folder& folder, unsigned thread) {
   return folder.path("of_thread_" + std::to_string(thread));
 }
 
+std::ptrdiff_t open_files() {
+  return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
+}
+
 TEST(DifferentRecordsInDifferentThreads, GiveWhatOneThreadGives) {
   const tests::temporary_folder folder;
   std::vector<std::string> alone(thread_count);
@@ -244,6 +251,7 @@ TEST(DifferentRecordsInDifferentThreads, GiveWhatOneThreadGives) {
             first_unit + static_cast<std::int32_t>(thread_count) * rounds * left_open);
   close_all_units();
 
+  const std::ptrdiff_t files = open_files();
   std::vector<std::string> at_once(thread_count);
   const tests::observed after = tests::observe([&] {
     with_throwing_handler(
@@ -251,9 +259,10 @@ TEST(DifferentRecordsInDifferentThreads, GiveWhatOneThreadGives) {
   });
   EXPECT_EQ(at_once, alone);
   EXPECT_EQ(lines_of(after.output), lines_of(before.output));
-  EXPECT_EQ(vacant_unit(),
-            first_unit + static_cast<std::int32_t>(thread_count) * rounds * left_open);
+  // Which units are open depends on who closed one when another was opened; how many does not.
+  EXPECT_EQ(open_files(), files + std::ptrdiff_t{thread_count} * rounds * left_open);
   close_all_units();
+  EXPECT_EQ(open_files(), files);
 }
 
 TEST(LinesOfDifferentThreads, AreNotMixed) {
