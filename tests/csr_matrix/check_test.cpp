@@ -66,6 +66,7 @@ TEST(Check, FindsATypeThatIsNoTruthValue) {
 
 TEST(Check, FindsTooFewRowStarts) {
   csr_matrix mat = well_formed();
+  ASSERT_EQ(iexpand1(mat.ja, 7), 0);  // as many columns as there are row starts would hide a mix-up
   mat.n = 3;
   EXPECT_EQ(verdict(mat), "ia has 3 elements, n+1 = 4 are needed");
   mat.n = std::numeric_limits<std::int32_t>::max();
