@@ -39,7 +39,7 @@ class market_target {
   static std::optional<std::string> load(const scratch_file& file, csr_matrix& mat,
                                          std::size_t buffer) {
     csr_matrix_mod::set_buffer_size(buffer);
-    const auto stop = stop_of([&] { csr_matrix_read_market(file.path(), mat); });
+    auto stop = stop_of([&] { csr_matrix_read_market(file.path(), mat); });
     csr_matrix_mod::set_buffer_size(usual_buffer);
     return stop;
   }

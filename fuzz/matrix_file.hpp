@@ -62,7 +62,7 @@ class matrix_file_target {
 
   std::optional<std::string> load(const scratch_file& file, csr_matrix& mat, std::size_t buffer) {
     csr_matrix_mod::set_buffer_size(buffer);
-    const auto stop = stop_of([&] { csr_matrix_load(file.path(), mat, form_); });
+    auto stop = stop_of([&] { csr_matrix_load(file.path(), mat, form_); });
     csr_matrix_mod::set_buffer_size(usual_buffer);
     return stop;
   }

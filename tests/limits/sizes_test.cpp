@@ -198,15 +198,15 @@ TEST_F(Claim, OfTheLargestSizesInAMarketFileIsNotBelieved) {
 // 2147483648 row starts, all 1: one small piece of memory seen again and again.
 class OnesWithoutEnd {
  public:
-  OnesWithoutEnd() {
+  OnesWithoutEnd()
+      : place_(static_cast<char*>(
+            mmap(nullptr, length, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0))) {
     const std::string name = "/tmp/ones.XXXXXX";
     std::vector<char> path(name.c_str(), name.c_str() + name.size() + 1);
     const int file = mkstemp(path.data());
     unlink(path.data());
     const std::vector<std::int32_t> ones(piece / 4, 1);
     const bool written = write(file, ones.data(), piece) == static_cast<ssize_t>(piece);
-    place_ = static_cast<char*>(
-        mmap(nullptr, length, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0));
     good_ = written && place_ != MAP_FAILED;
     for (std::size_t at = 0; good_ && at < length; at += piece)
       good_ = mmap(place_ + at, piece, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_FIXED, file, 0) !=
