@@ -174,8 +174,9 @@ TEST_F(Read, StopsOfABadFieldWithWhatItFound) {
 }
 
 TEST_F(Read, ShowsHarmlesslyWhatItFound) {
-  EXPECT_EQ(stop_of(" F\n\x1b[2J\t\xff~\x7f\n"),
-            "FILE: line 2: expected an integer in columns 1 to 10, found '\\x1b[2J\\x09\\xff~\\x7f'");
+  EXPECT_EQ(
+      stop_of(" F\n\x1b[2J\t\xff~\x7f\n"),
+      "FILE: line 2: expected an integer in columns 1 to 10, found '\\x1b[2J\\x09\\xff~\\x7f'");
   EXPECT_EQ(
       stop_of(std::string(2000, 'x') + "\n"),
       "FILE: line 1: expected a truth value, T or F, found '" + std::string(40, 'x') + "'...");
