@@ -10,7 +10,7 @@ endif()
 function(csr_matrix_mod_warnings target)
   if(csr_matrix_mod_known_compiler)
     target_compile_options(
-      ${target} PRIVATE -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow
+      ${target} PRIVATE -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow -Wundef
                         $<$<BOOL:${CSR_MATRIX_MOD_WARNINGS_AS_ERRORS}>:-Werror>)
   endif()
   # GCC 12 sees an overlap in "text" + std::string() where there is none (its bug 105651).
