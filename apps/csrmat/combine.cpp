@@ -3,6 +3,7 @@
 #include "command.hpp"
 #include "failure.hpp"
 #include "files.hpp"
+#include "limits.hpp"
 
 #include <csr_matrix_mod/csr_matrix_mod.hpp>
 
@@ -34,6 +35,7 @@ void declare_combination(CLI::App& command, combination combine) {
     const file_kind kind = output_kind(names->out);
     const csr_matrix a = read_matrix(names->a);
     const csr_matrix b = read_matrix(names->b);
+    require_memory_for_columns(b.m, 2, names->b + ": work on its columns");
     write_matrix(names->out, kind, combine(a, b, *names));
   });
 }

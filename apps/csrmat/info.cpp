@@ -68,15 +68,9 @@ std::int32_t condensed_columns(const csr_matrix& mat) {
   return pattern.m;
 }
 
-// Columns without entries take no room in a file, but some in the work arrays of a condensation.
-void require_memory_for_columns(const csr_matrix& mat, const std::string& file) {
-  constexpr std::int64_t bytes_a_column = 7 * sizeof(std::int32_t);
-  require_memory(bytes_a_column * mat.m, file + ": condensing its columns");
-}
-
 void info(const std::string& file) {
   const csr_matrix mat = read_matrix(file);
-  require_memory_for_columns(mat, file);
+  require_memory_for_columns(mat.m, 7, file + ": condensing its columns");
   print("rows", mat.n);
   print("columns", mat.m);
   print("entries", csr_matrix_num_nz(mat));

@@ -3,6 +3,7 @@
 #include "command.hpp"
 #include "failure.hpp"
 #include "files.hpp"
+#include "limits.hpp"
 
 #include <csr_matrix_mod/csr_matrix_mod.hpp>
 
@@ -28,6 +29,7 @@ void declare_work(CLI::App& command, const std::function<void(csr_matrix& mat)>&
   command.callback([names, work] {
     const file_kind kind = output_kind(names->out);
     csr_matrix mat = read_matrix(names->in);
+    require_memory_for_columns(mat.m, 2, names->in + ": work on its columns");
     try {
       work(mat);
     } catch (const failure& why) {

@@ -257,6 +257,16 @@ TEST(Gallery, RefusesWhatTheMachineHasNoMemoryFor) {
   }
 }
 
+TEST(Gallery, CountsTheMemoryForColumnsInIntegers) {
+  EXPECT_NO_THROW(csrmat::require_memory_for_columns(1000, 2, "this"));
+  try {
+    csrmat::require_memory_for_columns(2147483647, 1000000000, "this");
+    FAIL();
+  } catch (const csrmat::failure& why) {
+    EXPECT_EQ(std::string(why.what()).rfind("this needs 8589934588000 MB of memory, ", 0), 0U);
+  }
+}
+
 // The standard fixes the engine: its 10000th number is known.
 TEST(RandomNumbers, AreThoseOfTheStandardEngine) {
   csrmat::random_numbers random(5489);
