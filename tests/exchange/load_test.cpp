@@ -74,6 +74,15 @@ TEST_F(Load, GivesAMatrixWithoutEntriesRoomForOneInSilence) {
   }
 }
 
+// [ x x x ], with fields as short as they can be: a value may be blank, a column may not.
+TEST_F(Load, TakesTheShortestFieldsThereAre) {
+  const std::string sizes = "         1         3\n1\n4\n";
+  EXPECT_EQ(stop_of(" T\n" + sizes + "1\n2\n3\n", {}), "loaded");
+  EXPECT_EQ(stop_of(" F\n" + sizes + "1\n2\n3\n\n\n\n", {}), "loaded");
+  EXPECT_EQ(stop_of(" F\n" + sizes + "1\n2\n3\n\n", {}),
+            path + ": line 4: expected 3 entries, found only 7 bytes more");
+}
+
 TEST_F(Load, TakesNoUnit) {
   (void)bytes_of(tests::real_matrix(3, three_rows), {});
   const std::int32_t vacant = csr_matrix_mod::vacant_unit();
