@@ -29,6 +29,12 @@ TEST(Scratch, CountsFrom1) {
   EXPECT_EQ(work.data()[2], 3.0);
 }
 
+TEST(Scratch, HasLength0UntilItIsAskedFor) {
+  scratch<double> work;
+  EXPECT_EQ(work.length(), 0);
+  EXPECT_EQ(work.begin(), work.end());
+}
+
 TEST(Scratch, OfNegativeLengthHasLength0) {
   for (const contents initial : {contents::undefined, contents::zero}) {
     scratch<double> work(-4, initial, "routine");
