@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Rows in ascending order of columns, each column once.
 #include "../support/scratch.hpp"
+#include "ascending_rows.hpp"
 #include "row_sorter.hpp"
 
 #include <csr_matrix_mod/ordering.hpp>
@@ -55,33 +56,6 @@ void sort_row(std::int32_t& len, std::int32_t* cols, const Values& values) {
   len = k;
 }
 
-// Does every row ascend, from position 1 on? Then there is nothing to do. A step of a column that
-// does not ascend must be one from row to row; steps are counted some rows at a time, in vector
-// registers, and the first rows with another one end the search. 15 to 30 times as fast as sorting
-// rows that are sorted.
-bool is_sorted(const csr_matrix& mat) {
-  const std::int32_t* const starts = mat.ia.data();
-  const std::int32_t* const columns = mat.ja.data();
-  if (mat.n < 1 || starts[0] != 1) return false;
-  constexpr std::int64_t rows_at_a_time = 256;
-  for (std::int64_t first = 1; first <= mat.n; first += rows_at_a_time) {
-    const std::int64_t last = std::min<std::int64_t>(first + rows_at_a_time - 1, mat.n);
-    std::int32_t steps_between_rows = 0;
-    for (std::int64_t i = first; i <= last; ++i) {
-      const std::int32_t start = starts[i - 1];
-      if (starts[i] < start) return false;
-      if (i > first && starts[i] > start && start > starts[first - 1])
-        steps_between_rows += columns[start - 2] < columns[start - 1] ? 0 : 1;
-    }
-    std::int32_t steps = 0;
-    const std::int32_t next_row = starts[last];
-    for (std::int32_t k = starts[first - 1] + 1; k < next_row; ++k)
-      steps += columns[k - 2] < columns[k - 1] ? 0 : 1;
-    if (steps != steps_between_rows) return false;
-  }
-  return true;
-}
-
 std::int32_t longest_row(const csr_matrix& mat) {
   std::int32_t longest = 0;
   const std::int32_t* const starts = mat.ia.data();
@@ -114,7 +88,7 @@ void csr_matrix_sortrow_noval(std::int32_t& len, array_view<std::int32_t> cols) 
 }
 
 void csr_matrix_sort(csr_matrix& mat) {
-  if (is_sorted(mat)) return;
+  if (rows_ascend(mat)) return;
   scratch<std::int32_t> newia(std::int64_t{mat.n} + 1, contents::undefined, "csr_matrix_sort");
   sort_rows(mat, newia.data());
 

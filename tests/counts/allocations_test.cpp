@@ -187,6 +187,11 @@ TEST(Allocations, OfCleaningAreAMarkerTheRowStartsAndTheCut) {
             (requests{4, matrix_bytes(rows, nnz) + integers(rows)}));
 }
 
+TEST(Allocations, OfCleaningWhatIsSortedAreNone) {
+  csr_matrix a = stencil();
+  EXPECT_EQ(counted([&] { csr_matrix_clean(a); }), (requests{0, 0}));
+}
+
 TEST(Allocations, OfCondensingAreOneBlockTheClassesTheWeightsAndTheCut) {
   csr_matrix g = stencil_pattern();
   std::vector<std::int32_t> weights(n, 1);

@@ -54,6 +54,15 @@ TEST(Clean, ResizesTheStorageAlsoWhenNothingWasMerged) {
   EXPECT_EQ(mat.a.length(), 3);
 }
 
+TEST(Clean, LeavesSortedRowsAndCutsTheirStorage) {
+  const entry_rows rows{{{1, 1}, {3, 2}}, {}, {{2, -0.0}}};
+  csr_matrix mat = real_matrix(3, rows, 6);
+  expect_silent([&] { csr_matrix_clean(mat); });
+  EXPECT_EQ(entries_of(mat), rows);
+  EXPECT_EQ(mat.ja.length(), 3);
+  EXPECT_EQ(mat.a.length(), 3);
+}
+
 TEST(Clean, OfAPatternMergesColumnsOnly) {
   csr_matrix mat = pattern(3, {{3, 1, 3}, {2, 2}}, 4);
   expect_silent([&] { csr_matrix_clean(mat); });
