@@ -28,7 +28,7 @@ class entries_ahead {
   [[gnu::always_inline]] inline void visit(std::int32_t first, std::int32_t end,
                                            const Visit& visit) const {
     std::int32_t k = first;
-    if (std::int64_t{end} - first > 2 * a_line) {
+    if (std::int64_t{end} - first > long_row) {
       while (end - k > a_line) {
         ask(k);
         for (const std::int32_t next = k + a_line; k < next; ++k) visit(k);
@@ -41,6 +41,7 @@ class entries_ahead {
 
  private:
   static constexpr std::int32_t a_line = 8;  // values in 64 bytes
+  static constexpr std::int64_t long_row = 16;
   static constexpr std::int32_t values_ahead = 512;
   static constexpr std::int32_t columns_ahead = 1024;
   static constexpr std::int64_t fits_the_cache = 1 << 18;

@@ -167,9 +167,8 @@ class repeated_rows : public walk_alone {
   [[nodiscard]] two_rows worth(const two_rows* left, const term& t, std::int32_t done,
                                std::int32_t p) const noexcept {
     const std::int64_t length = t.length;
-    const std::int64_t l = t.l + (done + 1) * length;
-    return left[t.k * Pairs + p] *
-           two_rows{path_.right(l + 2 * p * length), path_.right(l + (2 * p + 1) * length)};
+    const std::int64_t l = t.l + (done + 1 + std::int64_t{2} * p) * length;
+    return left[t.k * Pairs + p] * two_rows{path_.right(l), path_.right(l + length)};
   }
 
   const std::int32_t* left_starts_;

@@ -161,10 +161,12 @@ inline bool put_decided(char* to, double value) noexcept {
     put_columns(to, eight_times('0'), negative, magnitudes[1 - lowest_k]);
     return true;
   }
-  const double size = std::bit_cast<double>(bits & ~(std::uint64_t{1} << 63));
+  const auto size = std::bit_cast<double>(bits & ~(std::uint64_t{1} << 63));
   const magnitude* of = &magnitudes[place];
   of += size >= of->limit ? 1 : 0;
   const double scaled = size * of->scale;
+  // Where the sum is rounded, the fraction is too near to a half.
+  // NOLINTNEXTLINE(bugprone-incorrect-roundings)
   const auto number = static_cast<std::int32_t>(scaled + 0.5);
   const double off = scaled - number;
   if (!(-0.5 + margin < off && off < 0.5 - margin)) return false;
