@@ -167,9 +167,9 @@ class repeated_rows : public walk_alone {
   [[nodiscard]] two_rows worth(const two_rows* left, const term& t, std::int32_t done,
                                std::int32_t p) const noexcept {
     const std::int64_t length = t.length;
-    const std::int64_t rows_on = done + 1 + 2 * p;
-    const std::int64_t position = t.l + rows_on * length;
-    return left[t.k * Pairs + p] * two_rows{path_.right(position), path_.right(position + length)};
+    const std::int64_t l = t.l + (done + 1) * length;
+    return left[t.k * Pairs + p] * two_rows{path_.right(l + std::int64_t{2} * p * length),
+                                            path_.right(l + (2 * p + 1) * length)};
   }
 
   const std::int32_t* left_starts_;
