@@ -22,8 +22,8 @@ using csr_matrix_mod::csr_matrix;
 // A claim that does not hold ends the process, which is what a fuzzer looks for.
 inline void claim(bool holds, std::string_view what, std::string_view seen = {}) {
   if (holds) return;
-  std::fprintf(stderr, "not so: %.*s: %.*s\n", static_cast<int>(what.size()), what.data(),
-               static_cast<int>(seen.size()), seen.data());
+  const std::string line = "not so: " + std::string(what) + ": " + std::string(seen) + "\n";
+  std::fputs(line.c_str(), stderr);
   std::abort();
 }
 
