@@ -88,7 +88,7 @@ class Build:
         built = self.ninja()
         if built.returncode != 0:
             sys.exit(built.stdout)
-        self.library = next(self.folder.glob("libcsr_matrix_mod.so.*.*.*"))
+        self.shared_object = next(self.folder.glob("libcsr_matrix_mod.so.*.*.*"))
         self.tests = self.find_tests()
         self.seconds = {}
         for program in list(self.tests):
@@ -147,7 +147,7 @@ class Build:
         return sorted(self.tests, key=rank)
 
     def code(self):
-        return hashlib.sha256(self.library.resolve().read_bytes()).digest()
+        return hashlib.sha256(self.shared_object.resolve().read_bytes()).digest()
 
     def killer(self, bug):
         """The first program that notices, or None. A program that shares a changed header is built
