@@ -16,17 +16,6 @@ using namespace tests;
 
 namespace {
 
-// What the passes give, which are the definition.
-struct passes {
-  std::vector<std::int32_t> ia, ja;
-  std::vector<double> a;
-
-  passes(std::int32_t n, std::int32_t nnz)
-      : ia(static_cast<std::size_t>(n) + 1),
-        ja(static_cast<std::size_t>(nnz)),
-        a(static_cast<std::size_t>(nnz)) {}
-};
-
 std::vector<std::uint64_t> bits_of(const double* values, std::size_t length) {
   std::vector<std::uint64_t> bits(length);
   std::transform(values, values + length, bits.begin(),

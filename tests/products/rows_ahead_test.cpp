@@ -36,21 +36,11 @@ void expect_same_bits(const std::vector<double>& expected, const csr_matrix& got
   }));
 }
 
-struct expected_product {
-  std::vector<std::int32_t> ia, ja;
-  std::vector<double> a;
-
-  expected_product(std::int32_t n, std::int32_t nz)
-      : ia(static_cast<std::size_t>(n) + 1),
-        ja(static_cast<std::size_t>(nz)),
-        a(static_cast<std::size_t>(nz)) {}
-
-  void expect_columns_of(const csr_matrix& got) const {
-    EXPECT_TRUE(std::equal(ia.begin(), ia.end(), got.ia.data()));
-    ASSERT_EQ(got.ja.length(), std::ssize(ja));
-    EXPECT_TRUE(std::equal(ja.begin(), ja.end(), got.ja.data()));
-  }
-};
+void expect_columns(const passes& expected, const csr_matrix& got) {
+  EXPECT_TRUE(std::equal(expected.ia.begin(), expected.ia.end(), got.ia.data()));
+  ASSERT_EQ(got.ja.length(), std::ssize(expected.ja));
+  EXPECT_TRUE(std::equal(expected.ja.begin(), expected.ja.end(), got.ja.data()));
+}
 
 class RowsAhead : public testing::Test {
  protected:
@@ -62,24 +52,24 @@ class RowsAhead : public testing::Test {
 TEST_F(RowsAhead, GiveTheProductOfTheTwoPasses) {
   std::int32_t nz = 0;
   matmul_size(left.n, right.m, left.ia, left.ja, right.ia, right.ja, nz);
-  expected_product expected(left.n, nz);
+  passes expected(left.n, nz);
   matmul_normal(left.n, right.m, left.ia, left.ja, left.a, right.ia, right.ja, right.a, expected.ia,
                 expected.ja, expected.a);
   csr_matrix product;
   csr_matrix_multiply(left, right, product);
-  expected.expect_columns_of(product);
+  expect_columns(expected, product);
   expect_same_bits(expected.a, product);
 }
 
 TEST_F(RowsAhead, GiveTheGraphProductOfTheTwoPasses) {
   std::int32_t nz = 0;
   matmul_size_graph(left.n, right.m, left.ia, left.ja, right.ia, right.ja, nz);
-  expected_product expected(left.n, nz);
+  passes expected(left.n, nz);
   matmul_graph(left.n, right.m, left.ia, left.ja, right.ia, right.ja, expected.ia, expected.ja,
                expected.a);
   csr_matrix paths;
   csr_matrix_multiply_graph(left, right, paths);
-  expected.expect_columns_of(paths);
+  expect_columns(expected, paths);
   expect_same_bits(expected.a, paths);
 
   std::vector<std::int32_t> weights(static_cast<std::size_t>(right.n));
@@ -88,7 +78,7 @@ TEST_F(RowsAhead, GiveTheGraphProductOfTheTwoPasses) {
                 expected.a, weights);
   csr_matrix_multiply_graph(left, right, paths, std::nullopt,
                             array_view<const std::int32_t>(weights));
-  expected.expect_columns_of(paths);
+  expect_columns(expected, paths);
   expect_same_bits(expected.a, paths);
 }
 
