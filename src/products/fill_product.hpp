@@ -55,7 +55,7 @@ void fill_product(const csr_matrix& m1, const csr_matrix& m2, std::int32_t ncol,
   if (found.any())
     store_entries<Diagonal>(
         of, to, path, routine,
-        repeated_rows<Diagonal, Values, Path>(of, to, path, found.left(), found.right()));
+        repeated_rows<Diagonal, Values, Path>(of, to, path, found.left(), found.right(), m2.n));
   else if (rows_ahead<Path>::pays(of))
     store_entries<Diagonal>(of, to, path, routine, rows_ahead<Path>(of, path));
   else

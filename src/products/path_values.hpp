@@ -25,6 +25,7 @@ struct sums {
 
 // A path is worth `left` times `right`. Here the values on it are multiplied.
 struct values_multiplied {
+  static constexpr bool multiplies_values = true;
   const double* a;
   const double* b;
 
@@ -37,6 +38,8 @@ struct values_multiplied {
 
 // A path is worth 1, so that paths are counted.
 struct paths_counted {
+  static constexpr bool multiplies_values = false;
+
   [[nodiscard]] double left(std::int32_t, std::int32_t) const { return 1.0; }
   [[nodiscard]] double right(std::int64_t) const { return 1.0; }
   void prefetch_right(std::int64_t) const {}
@@ -44,6 +47,7 @@ struct paths_counted {
 
 // A path is worth the weight of the vertex that it leads over.
 struct middle_vertex {
+  static constexpr bool multiplies_values = false;
   const std::int32_t* wgt;
 
   [[nodiscard]] double left(std::int32_t, std::int32_t j) const { return wgt[j - 1]; }

@@ -5,9 +5,12 @@
 #pragma once
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 
 namespace csr_matrix_mod {
+
+inline constexpr std::size_t cache_line = 64;
 
 [[gnu::always_inline]] inline void prefetch_for_writing(const void* address) {
 #if defined(__GNUC__) || defined(__clang__)
@@ -23,6 +26,19 @@ namespace csr_matrix_mod {
 #else
   (void)address;
 #endif
+}
+
+// The same for `number` elements that follow each other.
+template <class T>
+[[gnu::always_inline]] inline void prefetch_for_writing(const T* first, std::int64_t number) {
+  constexpr std::int64_t at_a_time = cache_line / sizeof(T);
+  for (std::int64_t at = 0; at < number; at += at_a_time) prefetch_for_writing(first + at);
+}
+
+template <class T>
+[[gnu::always_inline]] inline void prefetch_for_reading(const T* first, std::int64_t number) {
+  constexpr std::int64_t at_a_time = cache_line / sizeof(T);
+  for (std::int64_t at = 0; at < number; at += at_a_time) prefetch_for_reading(first + at);
 }
 
 // Of some entries from all over, do most lead to rows that none of the 64 before them is near? Fewer

@@ -27,10 +27,11 @@ class scratch {
   }
 
   [[nodiscard]] bool allocate(std::int64_t length, contents initial) noexcept {
-    length_ = std::max<std::int64_t>(length, 0);
-    const std::size_t bytes = static_cast<std::size_t>(length_) * sizeof(T);
+    const std::int64_t elements = std::max<std::int64_t>(length, 0);
+    const std::size_t bytes = static_cast<std::size_t>(elements) * sizeof(T);
     storage_.reset(static_cast<T*>(initial == contents::zero ? detail::obtain_zeroed(bytes)
                                                              : detail::obtain(bytes)));
+    length_ = storage_ != nullptr ? elements : 0;
     return storage_ != nullptr;
   }
 

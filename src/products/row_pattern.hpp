@@ -1,0 +1,190 @@
+// SPDX-License-Identifier: MIT
+// The paths of one row of a product, written down relative to the row: rows that are moved copies of
+// it are stored without asking the marker where each path leads.
+#pragma once
+
+#include "../support/scratch.hpp"
+#include "product_walk.hpp"
+#include "side_by_side.hpp"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <utility>
+
+namespace csr_matrix_mod::products {
+
+// All columns are relative to the row.
+struct row_pattern {
+  std::int32_t entries;  // of the left row
+  std::int32_t paths;
+  std::int32_t width;           // entries of the row of the product
+  std::int32_t right_elements;  // of all bands
+
+  std::int32_t* left_columns;   // entry by entry
+  std::int32_t* right_lengths;  // entry by entry
+  std::int32_t* right_columns;  // path by path
+  std::int32_t* places;         // path by path; `width` for a path that is skipped
+  std::int32_t* columns;        // place by place, of 16 rows
+  std::int32_t* ends;           // place by place, behind its last term
+  std::int32_t* terms;          // as `side_by_side` has them
+
+  // Left entries with columns that follow each other lead to a band of right rows. Calls back with
+  // the first entry of each, how many right rows there are where 16 rows of the product are formed,
+  // and the number of elements of the bands before. Returns that of all bands.
+  template <class Call>
+  std::int32_t for_each_band(const Call& call) const noexcept {
+    std::int32_t elements = 0;
+    for (std::int32_t k = 0; k < entries;) {
+      std::int32_t end = k + 1;
+      while (end < entries && left_columns[end] == left_columns[end - 1] + 1) ++end;
+      const std::int32_t rows = rows_at_once + (end - k - 1);
+      call(k, end, rows, elements);
+      elements += rows * right_lengths[k];
+      k = end;
+    }
+    return elements;
+  }
+};
+
+// The patterns that a product has met last.
+class row_patterns {
+ public:
+  explicit row_patterns(const operands& of) noexcept
+      : left_starts_(of.ia.data()),
+        left_columns_(of.ja.data()),
+        right_starts_(of.ib.data()),
+        right_columns_(of.jb.data()) {}
+
+  // The pattern of row i, whose columns are the `width` ones at `columns`; `mark` minus `first` is
+  // the place to which a column has gone. Null if the row has too many paths, or there is no room to
+  // write them down.
+  template <diagonal Diagonal>
+  const row_pattern* write_down(std::int64_t i, const std::int32_t* columns, std::int32_t width,
+                                const std::int32_t* mark, std::int32_t first) noexcept {
+    row_pattern* const to = new_pattern(i, width);
+    if (to == nullptr) return nullptr;
+    const auto row = static_cast<std::int32_t>(i);
+    std::int32_t* moved = to->columns;
+    for (std::int32_t x = 0; x < rows_at_once; ++x)
+      for (std::int32_t q = 0; q < width; ++q) *moved++ = columns[q] - row + x;
+    std::int32_t path = 0;
+    for (std::int32_t k = 0; k < to->entries; ++k) {
+      const std::int32_t j = left_columns_[left_starts_[i - 1] + k - 1];
+      to->left_columns[k] = j - row;
+      to->right_lengths[k] = right_starts_[j] - right_starts_[j - 1];
+      for (std::int32_t l = right_starts_[j - 1]; l < right_starts_[j]; ++l, ++path) {
+        const std::int32_t column = right_columns_[l - 1];
+        const bool skipped = Diagonal == diagonal::skipped && column == row;
+        to->right_columns[path] = column - row;
+        to->places[path] = skipped ? width : mark[column - 1] - first;
+      }
+    }
+    sort_terms(*to);
+    return to;
+  }
+
+  // The pattern of which row i is a moved copy, null if there is none.
+  [[nodiscard]] const row_pattern* of_row(std::int64_t i) const noexcept {
+    const auto* const end = known_.data() + number_;
+    const auto* const found =
+        std::find_if(known_.data(), end, [&](const row_pattern& known) { return fits(i, known); });
+    return found == end ? nullptr : found;
+  }
+
+ private:
+  static constexpr std::int32_t most_paths = 1024;
+  static constexpr std::int32_t most_patterns = 16;
+  static constexpr std::int64_t least_room = 8192;  // that of stencils of 5 or 7 points
+
+  // A pattern of the size of row i. There is room for 8 of the largest yet; when it is used up, all
+  // patterns are forgotten.
+  [[nodiscard]] row_pattern* new_pattern(std::int64_t i, std::int32_t width) noexcept {
+    const std::int32_t start = left_starts_[i - 1];
+    const std::int32_t entries = left_starts_[i] - start;
+    std::int64_t paths = 0;
+    for (std::int32_t k = start; k < start + entries; ++k) {
+      const std::int32_t j = left_columns_[k - 1];
+      paths += right_starts_[j] - right_starts_[j - 1];
+    }
+    if (entries > most_paths || paths > most_paths) return nullptr;
+    const std::int64_t wanted =
+        2 * std::int64_t{entries} + 4 * paths + (rows_at_once + 1) * std::int64_t{width};
+    if (8 * wanted > room_.length()) {
+      number_ = 0;
+      if (!room_.allocate(std::max(8 * wanted, least_room), contents::undefined)) return nullptr;
+    }
+    if (number_ == most_patterns || wanted > room_.length() - used_) number_ = 0;
+    if (number_ == 0) used_ = 0;
+    const auto next = [&](std::int64_t length) {
+      used_ += length;
+      return room_.data() + (used_ - length);
+    };
+    row_pattern& to = known_[static_cast<std::size_t>(number_++)];
+    to.entries = entries;
+    to.paths = static_cast<std::int32_t>(paths);
+    to.width = width;
+    to.left_columns = next(entries);
+    to.right_lengths = next(entries);
+    to.right_columns = next(paths);
+    to.places = next(paths);
+    to.columns = next(rows_at_once * std::int64_t{width});
+    to.ends = next(width);
+    to.terms = next(2 * paths);
+    return &to;
+  }
+
+  // The terms of each place, which are its paths in their order.
+  static void sort_terms(row_pattern& to) noexcept {
+    std::fill_n(to.ends, to.width, 0);
+    for (std::int32_t path = 0; path < to.paths; ++path)
+      if (to.places[path] < to.width) ++to.ends[to.places[path]];
+    std::int32_t before = 0;
+    for (std::int32_t q = 0; q < to.width; ++q) before += std::exchange(to.ends[q], before);
+
+    std::int32_t path = 0;
+    to.right_elements = to.for_each_band(
+        [&](std::int32_t first, std::int32_t end, std::int32_t rows, std::int32_t elements) {
+          for (std::int32_t k = first; k < end; ++k) {
+            for (std::int32_t l = 0; l < to.right_lengths[k]; ++l, ++path) {
+              if (to.places[path] == to.width) continue;
+              std::int32_t* const term = to.terms + std::ptrdiff_t{2} * to.ends[to.places[path]]++;
+              term[0] = k * rows_at_once;
+              term[1] = elements + l * rows + (k - first);
+            }
+          }
+        });
+  }
+
+  [[nodiscard]] bool fits(std::int64_t i, const row_pattern& known) const noexcept {
+    const auto row = static_cast<std::int32_t>(i);
+    const std::int32_t start = left_starts_[i - 1];
+    if (left_starts_[i] - start != known.entries) return false;
+    const std::int32_t* column = known.right_columns;
+    for (std::int32_t k = 0; k < known.entries; ++k) {
+      const std::int32_t j = left_columns_[start + k - 1];
+      if (j - row != known.left_columns[k]) return false;
+      const std::int32_t first = right_starts_[j - 1];
+      const std::int32_t length = right_starts_[j] - first;
+      if (length != known.right_lengths[k]) return false;
+      std::int32_t differing = 0;
+      for (std::int32_t l = 0; l < length; ++l)
+        differing |= (right_columns_[first + l - 1] - row) ^ column[l];
+      if (differing != 0) return false;
+      column += length;
+    }
+    return true;
+  }
+
+  const std::int32_t* left_starts_;
+  const std::int32_t* left_columns_;
+  const std::int32_t* right_starts_;
+  const std::int32_t* right_columns_;
+  std::array<row_pattern, most_patterns> known_{};
+  std::int32_t number_ = 0;
+  scratch<std::int32_t> room_;
+  std::int64_t used_ = 0;
+};
+
+}  // namespace csr_matrix_mod::products
