@@ -90,8 +90,7 @@ class repeated_rows : public walk_alone {
   // Room for what is summed side by side.
   [[nodiscard]] bool find_room(const row_pattern& of) noexcept {
     if constexpr (!Values::stored) return true;
-    const std::int64_t wanted =
-        of.right_elements + std::int64_t{rows_at_once} * (of.entries + of.width) + 1;
+    const std::int64_t wanted = of.right_elements + rows_at_once * (of.entries + of.width) + 1;
     if (wanted <= room_.length()) return true;
     return room_.allocate(std::max(wanted, least_room), contents::undefined);
   }
@@ -138,20 +137,21 @@ class repeated_rows : public walk_alone {
   // 16 rows from row i on, behind position `pos`.
   void store_rows(const row_pattern& of, std::int64_t i, std::int32_t& pos) const noexcept {
     store_columns(of, i, rows_at_once, pos);
-    const std::int32_t next = pos + rows_at_once * of.width;
-    prefetch_for_writing(columns_ + next,
-                         std::min<std::int64_t>(rows_at_once * of.width, room_for_columns_ - next));
+    const std::int64_t stored = std::int64_t{rows_at_once} * of.width;
+    const std::int64_t next = pos + stored;
+    prefetch_for_writing(columns_ + next, std::min(stored, room_for_columns_ - next));
     if constexpr (Values::stored) {
+      const std::int64_t factors = std::int64_t{rows_at_once} * of.entries;
       double* const left = room_.data();
-      double* const sums = left + rows_at_once * of.entries;
-      double* const right = sums + rows_at_once * of.width;
-      prefetch_for_writing(values_.ac + pos, rows_at_once * of.width);
+      double* const sums = left + factors;
+      double* const right = sums + stored;
+      prefetch_for_writing(values_.ac + pos, stored);
       turn_left(of, i, left);
       turn_right(of, i, right);
       by_.sum(of.terms, of.ends, of.width, left, right, sums);
       by_.turn(sums, of.width, rows_at_once, values_.ac + pos, of.width);
     }
-    pos = next;
+    pos += rows_at_once * of.width;
   }
 
   void turn_left(const row_pattern& of, std::int64_t i, double* left) const noexcept {
@@ -166,15 +166,15 @@ class repeated_rows : public walk_alone {
 
   void turn_right(const row_pattern& of, std::int64_t i, double* right) const noexcept {
     of.for_each_band([&](std::int32_t k, std::int32_t, std::int32_t rows, std::int32_t elements) {
+      const std::int64_t length = of.right_lengths[k];
       if constexpr (Path::multiplies_values) {
         const std::int64_t first = right_starts_[i + of.left_columns[k] - 1];
         by_.turn(path_.b + (first - 1), rows, of.right_lengths[k], right + elements, rows);
-        const std::int64_t next = first + rows * of.right_lengths[k];
-        prefetch_for_reading(
-            path_.b + (next - 1),
-            std::min<std::int64_t>(rows_at_once * of.right_lengths[k], right_end_ - next));
+        const std::int64_t next = first + rows * length;
+        prefetch_for_reading(path_.b + (next - 1),
+                             std::min(rows_at_once * length, right_end_ - next));
       } else {
-        std::fill_n(right + elements, rows * of.right_lengths[k], 1.0);
+        std::fill_n(right + elements, rows * length, 1.0);
       }
     });
   }

@@ -9,7 +9,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstddef>
 #include <cstdint>
 #include <utility>
 
@@ -139,7 +138,7 @@ class row_patterns {
   static void sort_terms(row_pattern& to) noexcept {
     std::fill_n(to.ends, to.width, 0);
     for (std::int32_t path = 0; path < to.paths; ++path)
-      if (to.places[path] < to.width) ++to.ends[to.places[path]];
+      if (to.places[path] < to.width) to.ends[to.places[path]] += 2;
     std::int32_t before = 0;
     for (std::int32_t q = 0; q < to.width; ++q) before += std::exchange(to.ends[q], before);
 
@@ -149,9 +148,9 @@ class row_patterns {
           for (std::int32_t k = first; k < end; ++k) {
             for (std::int32_t l = 0; l < to.right_lengths[k]; ++l, ++path) {
               if (to.places[path] == to.width) continue;
-              std::int32_t* const term = to.terms + std::ptrdiff_t{2} * to.ends[to.places[path]]++;
-              term[0] = k * rows_at_once;
-              term[1] = elements + l * rows + (k - first);
+              std::int32_t& end_of_terms = to.ends[to.places[path]];
+              to.terms[end_of_terms++] = k * rows_at_once;
+              to.terms[end_of_terms++] = elements + l * rows + (k - first);
             }
           }
         });

@@ -98,7 +98,7 @@ template <std::size_t Bytes>
   constexpr std::size_t parts = rows_at_once / wide;
   const std::int32_t* term = terms;
   for (std::int32_t q = 0; q < width; ++q) {
-    const std::int32_t* const end = terms + std::ptrdiff_t{2} * ends[q];
+    const std::int32_t* const end = terms + ends[q];
     lanes total[parts];
     for (std::size_t p = 0; p < parts; ++p) {
       lanes l;

@@ -21,7 +21,7 @@ struct side_by_side {
   void (*move)(const std::int32_t* from, std::int32_t number, std::int32_t by, std::int32_t* to);
 
   // 16 sums for each of `width` places. A term is a pair of offsets, of 16 left factors and of 16 right
-  // ones; those of place q end before term `ends[q]`, and each place has at least one.
+  // ones; those of place q end before `terms[ends[q]]`, and each place has at least one.
   void (*sum)(const std::int32_t* terms, const std::int32_t* ends, std::int32_t width,
               const double* left, const double* right, double* sums);
 };

@@ -66,7 +66,7 @@ TEST(SideBySide, SumsTakeTheirTermsInTheirOrder) {
       terms.push_back((7 * q + 3 * t) % 20 * rows_at_once);
       terms.push_back((31 * q + 17 * t) % 380);
     }
-    ends.push_back(static_cast<std::int32_t>(terms.size() / 2));
+    ends.push_back(static_cast<std::int32_t>(terms.size()));
   }
   in_registers_of_every_width([&] {
     std::vector<double> sums(std::size_t{places} * rows_at_once);
@@ -76,12 +76,13 @@ TEST(SideBySide, SumsTakeTheirTermsInTheirOrder) {
     for (std::size_t q = 0; q < places; ++q)
       for (std::size_t x = 0; x < rows_at_once; ++x) {
         const auto product = [&](std::size_t t) {
-          return left[static_cast<std::size_t>(terms[2 * t]) + x] *
-                 right[static_cast<std::size_t>(terms[2 * t + 1]) + x];
+          return left[static_cast<std::size_t>(terms[t]) + x] *
+                 right[static_cast<std::size_t>(terms[t + 1]) + x];
         };
         term = q == 0 ? 0 : static_cast<std::size_t>(ends[q - 1]);
         double sum = product(term);
-        for (++term; term < static_cast<std::size_t>(ends[q]); ++term) sum = product(term) + sum;
+        for (term += 2; term < static_cast<std::size_t>(ends[q]); term += 2)
+          sum = product(term) + sum;
         ASSERT_EQ(std::bit_cast<std::uint64_t>(sums[q * rows_at_once + x]),
                   std::bit_cast<std::uint64_t>(sum))
             << "place " << q << ", row " << x;
