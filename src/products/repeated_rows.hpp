@@ -91,8 +91,8 @@ class repeated_rows : public walk_alone {
   [[nodiscard]] bool find_room(const row_pattern& of) noexcept {
     if constexpr (!Values::stored) return true;
     const std::int64_t wanted = of.right_elements + rows_at_once * (of.entries + of.width) + 1;
-    if (wanted <= room_.length()) return true;
-    return room_.allocate(std::max(wanted, least_room), contents::undefined);
+    return room_.has_room_for(wanted) ||
+           room_.allocate(std::max(wanted, least_room), contents::undefined);
   }
 
   // The rows after `row` that repeat it. What is left when they are not a multiple of 16 is summed once

@@ -66,8 +66,9 @@ class row_patterns {
     if (to == nullptr) return nullptr;
     const auto row = static_cast<std::int32_t>(i);
     std::int32_t* moved = to->columns;
-    for (std::int32_t x = 0; x < rows_at_once; ++x)
-      for (std::int32_t q = 0; q < width; ++q) *moved++ = columns[q] - row + x;
+    for (std::int64_t x = 0; x < rows_at_once; ++x)  // in 64 bits: not all of these rows need exist
+      for (std::int32_t q = 0; q < width; ++q)
+        *moved++ = static_cast<std::int32_t>(columns[q] - i + x);
     std::int32_t path = 0;
     for (std::int32_t k = 0; k < to->entries; ++k) {
       const std::int32_t j = left_columns_[left_starts_[i - 1] + k - 1];
@@ -110,7 +111,7 @@ class row_patterns {
     if (entries > most_paths || paths > most_paths) return nullptr;
     const std::int64_t wanted =
         2 * std::int64_t{entries} + 4 * paths + (rows_at_once + 1) * std::int64_t{width};
-    if (8 * wanted > room_.length()) {
+    if (!room_.has_room_for(8 * wanted)) {
       number_ = 0;
       if (!room_.allocate(std::max(8 * wanted, least_room), contents::undefined)) return nullptr;
     }

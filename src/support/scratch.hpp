@@ -26,18 +26,22 @@ class scratch {
     if (!allocate(length, initial)) stop_without_storage(routine);
   }
 
+  // False when there is no storage to be had; then there is none at all, whatever there was.
   [[nodiscard]] bool allocate(std::int64_t length, contents initial) noexcept {
-    const std::int64_t elements = std::max<std::int64_t>(length, 0);
-    const std::size_t bytes = static_cast<std::size_t>(elements) * sizeof(T);
+    length_ = std::max<std::int64_t>(length, 0);
+    const std::size_t bytes = static_cast<std::size_t>(length_) * sizeof(T);
     storage_.reset(static_cast<T*>(initial == contents::zero ? detail::obtain_zeroed(bytes)
                                                              : detail::obtain(bytes)));
-    length_ = storage_ != nullptr ? elements : 0;
     return storage_ != nullptr;
   }
 
   [[nodiscard]] T& operator()(std::int64_t i) noexcept {
     assert(1 <= i && i <= length_);
     return storage_.get()[i - 1];
+  }
+
+  [[nodiscard]] bool has_room_for(std::int64_t length) const noexcept {
+    return storage_ != nullptr && length <= length_;
   }
 
   [[nodiscard]] T* data() noexcept { return storage_.get(); }
