@@ -6,6 +6,7 @@
 #include "product_walk.hpp"
 #include "repeated_rows.hpp"
 #include "rows_ahead.hpp"
+#include "rows_of_one.hpp"
 #include "shifted_rows.hpp"
 
 #include <csr_matrix_mod/csr_matrix.hpp>
@@ -53,13 +54,20 @@ void fill_product(const csr_matrix& m1, const csr_matrix& m2, std::int32_t ncol,
   const product<Values> to{m3.ia, m3.ja, values};
   const repeats found(of, m2.n);
   if (found.any())
-    store_entries<Diagonal>(
-        of, to, path, routine,
+    return store_entries<Diagonal>(
+        of, to, path, routine, rows_by_starts{of.ib.data()},
         repeated_rows<Diagonal, Values, Path>(of, to, path, found.left(), found.right(), m2.n));
-  else if (rows_ahead<Path>::pays(of))
-    store_entries<Diagonal>(of, to, path, routine, rows_ahead<Path>(of, path));
+  const auto walk = [&](const auto right_rows) {
+    if (left_columns_jump(of))
+      store_entries<Diagonal>(of, to, path, routine, right_rows,
+                              rows_ahead<Path, decltype(right_rows)>(of, path, right_rows));
+    else
+      store_entries<Diagonal>(of, to, path, routine, right_rows);
+  };
+  if (rows_of_one::are(of.ib, m2.n))
+    walk(rows_of_one{});
   else
-    store_entries<Diagonal>(of, to, path, routine);
+    walk(rows_by_starts{of.ib.data()});
 }
 
 }  // namespace csr_matrix_mod::products

@@ -68,16 +68,23 @@ struct walk_alone {
   }
 };
 
+// Where right rows stand: where their row starts say.
+struct rows_by_starts {
+  const std::int32_t* starts;
+
+  [[nodiscard]] std::int32_t first(std::int32_t j) const { return starts[j - 1]; }
+  [[nodiscard]] std::int32_t end(std::int32_t j) const { return starts[j]; }
+};
+
 // Stores the entries of the product in the order in which paths first lead to them. The marker
 // holds the position at which a column was stored; a position before the row's first is one of an
 // earlier row, so it need not be cleared either. `left` times `right` of `path` is
-// what a path is worth; `beside` is as `walk_alone`.
-template <diagonal Diagonal, class Values, class Path, class Beside = walk_alone>
+// what a path is worth; `right_rows` is as `rows_by_starts`, `beside` as `walk_alone`.
+template <diagonal Diagonal, class Values, class Path, class Rows, class Beside = walk_alone>
 void store_entries(const operands& of, const product<Values>& to, const Path path,
-                   std::string_view routine, Beside beside = {}) {
+                   std::string_view routine, const Rows right_rows, Beside beside = {}) {
   const std::int32_t* const left_starts = of.ia.data();
   const std::int32_t* const left_columns = of.ja.data();
-  const std::int32_t* const right_starts = of.ib.data();
   const std::int32_t* const right_columns = of.jb.data();
   std::int32_t* const starts = to.ic.data();
   std::int32_t* const columns = to.jc.data();
@@ -94,8 +101,8 @@ void store_entries(const operands& of, const product<Values>& to, const Path pat
       beside.before(k);
       const std::int32_t j = left_columns[k - 1];
       const auto left = path.left(k, j);
-      const std::int32_t right_end = right_starts[j];
-      for (std::int32_t l = right_starts[j - 1]; l < right_end; ++l) {
+      const std::int32_t right_end = right_rows.end(j);
+      for (std::int32_t l = right_rows.first(j); l < right_end; ++l) {
         const std::int32_t column = right_columns[l - 1];
         if (Diagonal == diagonal::skipped && column == i) continue;
         const std::int32_t at = mark[column - 1];
@@ -111,6 +118,12 @@ void store_entries(const operands& of, const product<Values>& to, const Path pat
     starts[i] = pos + 1;
     i += beside.after(i, first, pos, mark);
   }
+}
+
+template <diagonal Diagonal, class Values, class Path>
+void store_entries(const operands& of, const product<Values>& to, const Path& path,
+                   std::string_view routine) {
+  store_entries<Diagonal>(of, to, path, routine, rows_by_starts{of.ib.data()});
 }
 
 }  // namespace csr_matrix_mod::products

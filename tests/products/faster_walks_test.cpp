@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: MIT
-// Products whose left columns jump, for which the right rows of the paths to come are asked for,
-// against the two passes that ask for nothing: the same arrays to the last bit.
+// Products whose left columns jump, for which the right rows of the paths to come are asked for, and
+// those with one entry in each right row, which are not looked up, against the two passes that do
+// neither: the same arrays to the last bit.
 #include "products.hpp"
 
 #include <algorithm>
 #include <bit>
 #include <numeric>
+#include <ostream>
+#include <string>
 #include <vector>
 
 using namespace csr_matrix_mod;
@@ -42,14 +45,57 @@ void expect_columns(const passes& expected, const csr_matrix& got) {
   EXPECT_TRUE(std::equal(expected.ja.begin(), expected.ja.end(), got.ja.data()));
 }
 
-class RowsAhead : public testing::Test {
- protected:
-  // Enough entries for the look to be worth it, in rows that are not the same number.
-  const csr_matrix left = random_matrix(9000, 7000, 1);
-  const csr_matrix right = random_matrix(7000, 8000, 2);
+// Row j of the right operand holds one entry, as where fine vertices go to coarse ones.
+csr_matrix one_entry_a_row(std::int32_t n, std::int32_t m) {
+  entry_rows rows(static_cast<std::size_t>(n));
+  for (std::int32_t j = 0; j < n; ++j)
+    rows[static_cast<std::size_t>(j)].push_back({j * 7 / 3 % m + 1, 1.0 / (j + 2)});
+  return real_matrix(m, rows);
+}
+
+// As many entries as rows, but two in one of them and none in another.
+csr_matrix one_entry_in_most_rows(std::int32_t n, std::int32_t m) {
+  entry_rows rows(static_cast<std::size_t>(n));
+  for (std::int32_t j = 0; j < n; ++j)
+    rows[static_cast<std::size_t>(j == n / 2 ? j - 1 : j)].push_back({j % m + 1, 1.0 / (j + 2)});
+  return real_matrix(m, rows);
+}
+
+struct pair_of_operands {
+  std::string name;
+  csr_matrix (*left)();
+  csr_matrix (*right)();
+
+  friend std::ostream& operator<<(std::ostream& out, const pair_of_operands& of) {
+    return out << of.name;
+  }
 };
 
-TEST_F(RowsAhead, GiveTheProductOfTheTwoPasses) {
+class FasterWalk : public testing::TestWithParam<pair_of_operands> {
+ protected:
+  const csr_matrix left = GetParam().left();
+  const csr_matrix right = GetParam().right();
+};
+
+// Columns that jump have enough entries for the look to be worth it, in rows that are not the same
+// number; few have not.
+INSTANTIATE_TEST_SUITE_P(
+    Of, FasterWalk,
+    testing::Values(
+        pair_of_operands{"ManyColumnsThatJump", [] { return random_matrix(9000, 7000, 1); },
+                         [] { return random_matrix(7000, 8000, 2); }},
+        pair_of_operands{"ManyColumnsThatJumpToRowsOfOneEntry",
+                         [] { return random_matrix(9000, 7000, 3); },
+                         [] { return one_entry_a_row(7000, 2000); }},
+        pair_of_operands{"FewColumnsToRowsOfOneEntry", [] { return random_matrix(90, 70, 4); },
+                         [] { return one_entry_a_row(70, 70); }},
+        pair_of_operands{"FewColumnsToAsManyEntriesAsRows", [] { return random_matrix(90, 70, 5); },
+                         [] { return one_entry_in_most_rows(70, 20); }},
+        pair_of_operands{"OneRowOfOneEntry", [] { return random_matrix(5, 1, 6); },
+                         [] { return one_entry_a_row(1, 1); }}),
+    [](const auto& tested) { return tested.param.name; });
+
+TEST_P(FasterWalk, GivesTheProductOfTheTwoPasses) {
   std::int32_t nz = 0;
   matmul_size(left.n, right.m, left.ia, left.ja, right.ia, right.ja, nz);
   passes expected(left.n, nz);
@@ -61,7 +107,7 @@ TEST_F(RowsAhead, GiveTheProductOfTheTwoPasses) {
   expect_same_bits(expected.a, product);
 }
 
-TEST_F(RowsAhead, GiveTheGraphProductOfTheTwoPasses) {
+TEST_P(FasterWalk, GivesTheGraphProductOfTheTwoPasses) {
   std::int32_t nz = 0;
   matmul_size_graph(left.n, right.m, left.ia, left.ja, right.ia, right.ja, nz);
   passes expected(left.n, nz);
