@@ -6,9 +6,14 @@
 #include <gtest/gtest.h>
 
 #include <bit>
+#include <cstddef>
 #include <cstdint>
 #include <limits>
 #include <vector>
+
+#if defined(__GLIBC__)
+#include <malloc.h>
+#endif
 
 namespace {
 
@@ -113,6 +118,27 @@ TYPED_TEST(Expand, SaysNonZeroAndLeavesTheArrayAloneWhenThereIsNoStorage) {
   EXPECT_EQ(array.length(), 5);
   EXPECT_EQ(this->leading(array, 5), (std::vector<TypeParam>{1, 2, 3, 4, 5}));
 }
+
+#if defined(__GLIBC__)
+
+// What little is cut off a large block would be kept for small requests, and the next block of the
+// size before would find no room here. More than a page is given back.
+TYPED_TEST(Expand, CutsNothingOffABlockThatFitsClosely) {
+  constexpr std::int32_t length = 100000;
+  array_ref<TypeParam> array = this->counting(length);
+  TypeParam* const block = array.data();
+  const std::size_t before = ::malloc_usable_size(block);
+  expand(array, length - 10);
+  EXPECT_EQ(array.length(), length - 10);
+  EXPECT_EQ(array.data(), block);
+  EXPECT_EQ(::malloc_usable_size(block), before);
+  EXPECT_EQ(array(length - 10), TypeParam{length - 10});
+  expand(array, length - 3000);
+  EXPECT_EQ(array.length(), length - 3000);
+  EXPECT_LE(::malloc_usable_size(array.data()), before - 4096);
+}
+
+#endif
 
 TEST(Expand1, KeepsEveryBitOfAValue) {
   array_ref<double> array;
