@@ -30,8 +30,8 @@ struct row_pattern {
   std::int32_t* terms;          // as `side_by_side` has them
 
   // Left entries with columns that follow each other lead to a band of right rows. Calls back with
-  // the first entry of each, how many right rows there are where 16 rows of the product are formed,
-  // and the number of elements of the bands before. Returns that of all bands.
+  // the first entry of each and the one behind its last, how many right rows there are where 16 rows
+  // of the product are formed, and the number of elements of the bands before. Returns that of all.
   template <class Call>
   std::int32_t for_each_band(const Call& call) const noexcept {
     std::int32_t elements = 0;
