@@ -147,21 +147,22 @@ entry_rows band(std::int32_t n, std::int32_t reach, double value) {
   return rows;
 }
 
-void expect_square_of_the_passes(const csr_matrix& mat) {
+void expect_product_of_the_passes(const csr_matrix& l, const csr_matrix& r) {
   std::int32_t nz = 0;
-  matmul_size(mat.n, mat.m, mat.ia, mat.ja, mat.ia, mat.ja, nz);
-  passes expected(mat.n, nz);
-  matmul_normal(mat.n, mat.m, mat.ia, mat.ja, mat.a, mat.ia, mat.ja, mat.a, expected.ia,
-                expected.ja, expected.a);
+  matmul_size(l.n, r.m, l.ia, l.ja, r.ia, r.ja, nz);
+  passes expected(l.n, nz);
+  matmul_normal(l.n, r.m, l.ia, l.ja, l.a, r.ia, r.ja, r.a, expected.ia, expected.ja, expected.a);
   in_registers_of_every_width([&] {
-    csr_matrix square;
-    csr_matrix_multiply(mat, mat, square);
-    EXPECT_TRUE(std::equal(expected.ia.begin(), expected.ia.end(), square.ia.data()));
-    EXPECT_TRUE(std::equal(expected.ja.begin(), expected.ja.end(), square.ja.data()));
-    EXPECT_EQ(bits_of(square.a.data(), expected.a.size()),
+    csr_matrix product;
+    csr_matrix_multiply(l, r, product);
+    EXPECT_TRUE(std::equal(expected.ia.begin(), expected.ia.end(), product.ia.data()));
+    EXPECT_TRUE(std::equal(expected.ja.begin(), expected.ja.end(), product.ja.data()));
+    EXPECT_EQ(bits_of(product.a.data(), expected.a.size()),
               bits_of(expected.a.data(), expected.a.size()));
   });
 }
+
+void expect_square_of_the_passes(const csr_matrix& mat) { expect_product_of_the_passes(mat, mat); }
 
 // The stencil of a point and its neighbours on a grid, the corners of its cube or not.
 csr_matrix grid(std::int32_t width, std::int32_t height, std::int32_t depth, bool corners = false) {
@@ -236,22 +237,47 @@ TEST(RepeatedRows, AreNotLookedForBehindManyThatDoNotRepeat) {
   expect_square_of_the_passes(real_matrix(2500, rows));
 }
 
-// Room for the bits is refused: every row is walked, and nobody is told.
+// More kinds of rows than are remembered, each so small that all would fit.
+TEST(RepeatedRows, AreFoundWhereManySmallKindsFollowEachOther) {
+  constexpr std::int32_t kinds = 40;
+  constexpr std::int32_t stretch = 20;
+  constexpr std::int32_t n = kinds * stretch;
+  entry_rows rows(n);
+  for (std::int32_t i = 0; i < n; ++i) {
+    const std::int32_t column = i + i / stretch % (kinds / 2) + 1;
+    if (column <= n) rows[static_cast<std::size_t>(i)].push_back({column, 1.0 / (i + 1)});
+  }
+  expect_square_of_the_passes(real_matrix(n, rows));
+}
+
+// The second hundred rows lead over other right rows to the same columns as the first hundred.
+TEST(RepeatedRows, AreNotTakenForRowsThatLeadOverOthers) {
+  entry_rows left(200);
+  entry_rows right(210);
+  for (std::int32_t i = 1; i <= 200; ++i)
+    left[static_cast<std::size_t>(i - 1)].push_back({i <= 100 ? i : i + 10, 1.0 / i});
+  for (std::int32_t j = 1; j <= 210; ++j)
+    right[static_cast<std::size_t>(j - 1)].push_back({j <= 100 ? j : std::max(j - 10, 1), 3.0 / j});
+  expect_product_of_the_passes(real_matrix(210, left), real_matrix(210, right));
+}
+
+// Room for the bits, for the patterns or for the sums is refused, for a while or from then on: rows are
+// walked, and nobody is told.
 TEST(RepeatedRows, AreDoneWithoutWhereThereIsNoRoomToFindThem) {
   const csr_matrix mat = grid(20, 8, 1);
   csr_matrix expected;
   csr_matrix_multiply(mat, mat, expected);
-  for (int k = 0;; ++k) {
-    csr_matrix square;
-    const refuse_allocation refuse(k);
-    const observed seen = observe([&] { csr_matrix_multiply(mat, mat, square); });
-    if (!refuse.reached()) {
-      EXPECT_GT(k, 8);
-      break;
+  bool reached = true;
+  for (int k = 0; reached; ++k)
+    for (const int another : {refuse_allocation::none, k + 1, k + 2}) {
+      csr_matrix square;
+      const refuse_allocation refuse(k, another);
+      const observed seen = observe([&] { csr_matrix_multiply(mat, mat, square); });
+      reached = refuse.reached();
+      EXPECT_TRUE(reached || k > 8);
+      if (seen.stop) continue;
+      EXPECT_EQ(entries_of(square), entries_of(expected)) << "requests " << k << ", " << another;
     }
-    if (seen.stop) continue;
-    EXPECT_EQ(entries_of(square), entries_of(expected)) << "request " << k;
-  }
 }
 
 }  // namespace
