@@ -66,17 +66,6 @@ inline void expect_refusals(const std::vector<std::optional<std::string>>& stops
   }
 }
 
-// Arrays for the two passes of a product, which are the definition of what a faster way gives.
-struct passes {
-  std::vector<std::int32_t> ia, ja;
-  std::vector<double> a;
-
-  passes(std::int32_t n, std::int32_t nnz)
-      : ia(static_cast<std::size_t>(n) + 1),
-        ja(static_cast<std::size_t>(nnz)),
-        a(static_cast<std::size_t>(nnz)) {}
-};
-
 // Rows for a property, with the record made of them: n by m, spare capacity or none.
 struct any_operand {
   any_operand(std::int32_t n, std::int32_t m)

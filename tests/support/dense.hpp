@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Matrices without any cleverness: every place of every row holds a value or nothing, and a list
-// tells in which order the places of a row were first written. What the library computes is compared
-// with these, bit for bit and in the order of entries. Nothing here is shared with the library.
+// tells in which order the places of a row were first written. What the library computes is
+// compared with these, bit for bit and in the order of entries. Nothing here is shared with the
+// library.
 #pragma once
 
 #include "matrices.hpp"

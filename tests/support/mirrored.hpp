@@ -27,7 +27,8 @@ inline entry_rows mirrored_rows(std::int32_t n) {
   return rows;
 }
 
-// One entry more or less, one side of the diagonal missing, or the entries of a row in another order.
+// One entry more or less, one side of the diagonal missing, or the entries of a row in another
+// order.
 inline void spoil(entry_rows& rows) {
   const auto n = static_cast<std::int32_t>(rows.size());
   auto& row = rows[static_cast<std::size_t>(*rc::gen::inRange<std::int32_t>(0, n))];

@@ -12,6 +12,7 @@ namespace tests {
 class refuse_allocation {
  public:
   static constexpr int none = -1;
+  static constexpr int all_behind = -2;  // as `another`: every request after the k-th
 
   explicit refuse_allocation(int k, int another = none) {
     requests = 0;
@@ -21,7 +22,8 @@ class refuse_allocation {
     csr_matrix_mod::detail::set_refusal([](std::size_t) noexcept {
       const int request = requests++;
       reached_ = reached_ || request == refused;
-      return request == refused || request == also_refused;
+      return request == refused || request == also_refused ||
+             (also_refused == all_behind && request > refused);
     });
   }
   refuse_allocation(const refuse_allocation&) = delete;

@@ -53,9 +53,12 @@ TEST(Scratch, StopsWithTheNameOfItsRoutineWhenThereIsNoStorage) {
 }
 
 TEST(Scratch, SaysSoWhenItIsAskedAndThereIsNoStorage) {
-  const tests::refuse_allocation refused(0);
+  const tests::refuse_allocation refused(1);
   scratch<double> work;
+  EXPECT_TRUE(work.allocate(2, contents::undefined));
   EXPECT_FALSE(work.allocate(3, contents::undefined));
+  EXPECT_EQ(work.length(), 0);
+  EXPECT_EQ(work.begin(), work.end());
 }
 
 TEST(EntryCount, LetsThroughWhatTheLastRowStartCanSay) {
