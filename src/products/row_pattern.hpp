@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The paths of one row of a product, written down relative to the row: rows that are moved copies of
-// it are stored without asking the marker where each path leads.
+// The paths of one row of a product, written down relative to the row: rows that are moved copies
+// of it are stored without asking the marker where each path leads.
 #pragma once
 
 #include "../support/scratch.hpp"
@@ -30,8 +30,9 @@ struct row_pattern {
   std::int32_t* terms;          // as `side_by_side` has them
 
   // Left entries with columns that follow each other lead to a band of right rows. Calls back with
-  // the first entry of each and the one behind its last, how many right rows there are where 16 rows
-  // of the product are formed, and the number of elements of the bands before. Returns that of all.
+  // the first entry of each and the one behind its last, how many right rows there are where 16
+  // rows of the product are formed, and the number of elements of the bands before. Returns that of
+  // all.
   template <class Call>
   std::int32_t for_each_band(const Call& call) const noexcept {
     std::int32_t elements = 0;
@@ -57,8 +58,8 @@ class row_patterns {
         right_columns_(of.jb.data()) {}
 
   // The pattern of row i, whose columns are the `width` ones at `columns`; `mark` minus `first` is
-  // the place to which a column has gone. Null if the row has too many paths, or there is no room to
-  // write them down.
+  // the place to which a column has gone. Null if the row has too many paths, or there is no room
+  // to write them down.
   template <diagonal Diagonal>
   const row_pattern* write_down(std::int64_t i, const std::int32_t* columns, std::int32_t width,
                                 const std::int32_t* mark, std::int32_t first) noexcept {
@@ -111,7 +112,7 @@ class row_patterns {
     if (entries > most_paths || paths > most_paths) return nullptr;
     const std::int64_t wanted =
         2 * std::int64_t{entries} + 4 * paths + (rows_at_once + 1) * std::int64_t{width};
-    if (!room_.has_room_for(8 * wanted)) {
+    if (room_.length() < 8 * wanted) {
       number_ = 0;
       if (!room_.allocate(std::max(8 * wanted, least_room), contents::undefined)) return nullptr;
     }

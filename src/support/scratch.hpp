@@ -40,15 +40,11 @@ class scratch {
     return storage_.get()[i - 1];
   }
 
-  [[nodiscard]] bool has_room_for(std::int64_t length) const noexcept {
-    return storage_ != nullptr && length <= length_;
-  }
-
   [[nodiscard]] T* data() noexcept { return storage_.get(); }
   [[nodiscard]] const T* data() const noexcept { return storage_.get(); }
   [[nodiscard]] T* begin() noexcept { return data(); }
-  [[nodiscard]] T* end() noexcept { return data() + length_; }
-  [[nodiscard]] std::int64_t length() const noexcept { return length_; }
+  [[nodiscard]] T* end() noexcept { return data() + length(); }
+  [[nodiscard]] std::int64_t length() const noexcept { return storage_ != nullptr ? length_ : 0; }
 
  private:
   struct giver {
@@ -56,7 +52,7 @@ class scratch {
   };
 
   std::unique_ptr<T, giver> storage_;
-  std::int64_t length_ = 0;
+  std::int64_t length_ = 0;  // that was asked for last, given or not
 };
 
 }  // namespace csr_matrix_mod
