@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Any sequence of routines on four small records. Beside each record stands what it should hold, row
-// by row, worked out by dense matrices that share no code with the library. Records share their
+// Any sequence of routines on four small records. Beside each record stands what it should hold,
+// row by row, worked out by dense matrices that share no code with the library. Records share their
 // arrays, are reused for results, meet a refusal of storage half-way, and go.
 #include "claims.hpp"
 #include "target.hpp"

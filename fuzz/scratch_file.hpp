@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The files that a target reads and writes, thousands of times a second: TMPDIR had better be memory.
+// The files that a target reads and writes, thousands of times a second: TMPDIR had better be
+// memory.
 #pragma once
 
 #include <fcntl.h>

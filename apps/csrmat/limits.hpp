@@ -31,8 +31,8 @@ inline void require_memory(std::int64_t bytes, const std::string& what) {
                   " MB of memory, this machine has " + std::to_string(present / mega) + " MB");
 }
 
-// Columns without entries take no room in a file, but `integers` elements each in the work arrays of
-// what is done.
+// Columns without entries take no room in a file, but `integers` elements each in the work arrays
+// of what is done.
 inline void require_memory_for_columns(std::int32_t columns, std::int64_t integers,
                                        const std::string& what) {
   require_memory(integers * columns * std::int64_t{sizeof(std::int32_t)}, what);

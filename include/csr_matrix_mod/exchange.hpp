@@ -18,27 +18,27 @@ namespace csr_matrix_mod {
 /// skew-symmetric. Words in either case, comments before the size line, blank lines anywhere after
 /// the first line, lines of at most 1022 characters, a last line that need not end.
 /// Ensures: `mat` is well formed, structure only if the file is a pattern; what it referred to is
-/// dropped. Each row holds its entries in the order of the file, repeats and zeros included. An entry
-/// off the diagonal of a symmetric file stands twice, its mirror image where it was met itself, with
-/// the sign changed if skew-symmetric. An array gives every element an entry. Capacity is exactly
-/// the number of entries (1 if there are none). A number too small for a double is 0, `inf` and `nan`
-/// are read. Nothing is printed, no unit is taken. Storage is asked for only after the file has
-/// shown that it can hold as much.
+/// dropped. Each row holds its entries in the order of the file, repeats and zeros included. An
+/// entry off the diagonal of a symmetric file stands twice, its mirror image where it was met
+/// itself, with the sign changed if skew-symmetric. An array gives every element an entry. Capacity
+/// is exactly the number of entries (1 if there are none). A number too small for a double is 0,
+/// `inf` and `nan` are read. Nothing is printed, no unit is taken. Storage is asked for only after
+/// the file has shown that it can hold as much.
 /// Cost: O(n + entries); the entries once more as coordinate lists, and n integers.
 /// Stops: "FILE: cannot open for reading: REASON"; "FILE: cannot read: REASON"; "FILE: line N:
 /// expected ..., found ..." at a header of another kind, a bad number, an index outside the matrix,
-/// an entry above the diagonal of a symmetric file or on that of a skew-symmetric one, fields too few
-/// or too many, more entries than the file has bytes for, more than 134217728 rows in a file of
-/// fewer bytes, entries too few, anything behind the last one; "csr_matrix_read_market: COUNT entries
-/// do not fit, at most 2147483646"; "allocation error in csr_matrix_read_market"; as
+/// an entry above the diagonal of a symmetric file or on that of a skew-symmetric one, fields too
+/// few or too many, more entries than the file has bytes for, more than 134217728 rows in a file of
+/// fewer bytes, entries too few, anything behind the last one; "csr_matrix_read_market: COUNT
+/// entries do not fit, at most 2147483646"; "allocation error in csr_matrix_read_market"; as
 /// `coo_to_csr_format`. `mat` is then as it was before.
 void csr_matrix_read_market(std::string_view filename, csr_matrix& mat);
 
 /// Writes a Matrix Market file, coordinate real general, or pattern if structure only.
 /// Requires: a well-formed `mat`.
-/// Ensures: the entries follow row by row in stored order, repeats and zeros included. Each value has
-/// the fewest digits that read back as the same double; what is not finite is `inf`, `-inf`, `nan`
-/// or `-nan`. No unit is taken.
+/// Ensures: the entries follow row by row in stored order, repeats and zeros included. Each value
+/// has the fewest digits that read back as the same double; what is not finite is `inf`, `-inf`,
+/// `nan` or `-nan`. No unit is taken.
 /// Cost: O(n + entries).
 /// Stops: "FILE: cannot open for writing: REASON"; "FILE: cannot write: REASON".
 void csr_matrix_write_market(std::string_view filename, const csr_matrix& mat);

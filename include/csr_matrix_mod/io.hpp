@@ -17,24 +17,26 @@
 namespace csr_matrix_mod {
 
 /// Reads a matrix file into storage that `mat` already has.
-/// Requires: `ia` has room for n+1 row starts, `ja` (and `a` unless structure only) for the entries.
-/// `form` is absent for text, "unformatted" for records (blanks behind it are ignored).
+/// Requires: `ia` has room for n+1 row starts, `ja` (and `a` unless structure only) for the
+/// entries. `form` is absent for text, "unformatted" for records (blanks behind it are ignored).
 /// Ensures: type, n, m, row starts, columns and values are those of the file; capacity and further
-/// slots are kept, no array is allocated. The file stays open on its unit (`close_unit`). Numbers are
-/// taken from the first 10 or 20 columns of a line, blanks in them ignored, text behind them too.
+/// slots are kept, no array is allocated. The file stays open on its unit (`close_unit`). Numbers
+/// are taken from the first 10 or 20 columns of a line, blanks in them ignored, text behind them
+/// too.
 /// Cost: O(n + entries).
 /// Stops: "no vacant unit exists!"; "FILE: cannot open for reading: REASON"; "FILE: cannot read:
 /// REASON"; any other `form` with "can not read this format!" once the file is open, and leaves it
-/// so; a bad field, a short file or an item that has no room with "FILE: line N: expected ..., found
-/// ..." (or "record N"). What was read before a stop is then in `mat`.
+/// so; a bad field, a short file or an item that has no room with
+/// "FILE: line N: expected ..., found ..." (or "record N"). What was read before a stop is then in
+/// `mat`.
 void csr_matrix_read(std::string_view filename, csr_matrix& mat,
                      std::optional<std::string_view> form = {});
 
 /// Writes a matrix file or a listing, by format word; blanks behind the word are ignored.
 /// Requires: a well-formed `mat`. Both orders with "gnuplot_ordered", as in that routine.
 /// Ensures: "unformatted" writes records, "dump" the rows, "ij" and "ija" the entries; "gnuplot",
-/// "gnuplot_ordered" and "hypergraph" are the routines of that name; absent, or any other word, text
-/// for `csr_matrix_read`. The unit is closed, but stays open after "dump" or text of a
+/// "gnuplot_ordered" and "hypergraph" are the routines of that name; absent, or any other word,
+/// text for `csr_matrix_read`. The unit is closed, but stays open after "dump" or text of a
 /// structure only matrix (`close_unit`); the file is complete in either case.
 /// Cost: O(n + entries).
 /// Stops: "no vacant unit exists!"; "FILE: cannot open for writing: REASON"; "FILE: cannot
@@ -47,8 +49,8 @@ void csr_matrix_dump(std::string_view filename, const csr_matrix& mat,
 /// Draws the pattern of a matrix: a point an entry, row 1 at the top.
 /// Requires: a well-formed `mat`; repeated columns are drawn as often as they stand.
 /// Ensures: the points are in `filename`, the gnuplot commands in `filename`.com; these make
-/// `filename`.ps. The line " writing gnuplot formatted matrix in NAME and NAME.com" is printed. Both
-/// units are closed.
+/// `filename`.ps. The line " writing gnuplot formatted matrix in NAME and NAME.com" is printed.
+/// Both units are closed.
 /// Cost: O(n + entries).
 /// Stops: as `csr_matrix_dump`.
 void csr_matrix_dump_gnuplot(const csr_matrix& mat, std::string_view filename);

@@ -71,10 +71,11 @@ void csr_matrix_condense(csr_matrix& mat, array_view<std::int32_t> col_wgt);
 /// Is the pattern of mat symmetric?
 /// Requires: `mat` has row starts, columns within 1 to m; unsorted rows, repeated columns and
 /// structure only are welcome.
-/// Ensures: true for every symmetric pattern, as long as (i, j) is repeated as often as (j, i). False for a matrix that is not square, and when a
-/// column that stands at the positions of row i of the transpose is not one of row i, with a line
-/// that names the first such: " nonsymmetric: n,m =  N M" or "non-symmetric entry " I J. A pattern
-/// with as many entries in row i as in column i, for every i, passes, symmetric or not.
+/// Ensures: true for every symmetric pattern, as long as (i, j) is repeated as often as (j, i).
+/// False for a matrix that is not square, and when a column that stands at the positions of row i
+/// of the transpose is not one of row i, with a line that names the first such:
+/// " nonsymmetric: n,m =  N M" or "non-symmetric entry " I J. A pattern with as many entries in row
+/// i as in column i, for every i, passes, symmetric or not.
 /// Cost: O(n + entries); the transpose and a marker of n integers as temporaries.
 /// Stops: "fail to allocate in is_symmetric"; as `csr_matrix_transpose`. Warns as
 /// `csr_matrix_allocate` when there are no entries.

@@ -8,9 +8,9 @@
 
 namespace csr_matrix_mod {
 
-// Asks for the memory that an entry will be written to some entries before its turn, when the cursor
-// of its row is about right, and for the cursor earlier still. 1.3 times as fast for a million rows
-// of 8 random columns, transposed or from shuffled lists.
+// Asks for the memory that an entry will be written to some entries before its turn, when the
+// cursor of its row is about right, and for the cursor earlier still. 1.3 times as fast for a
+// million rows of 8 random columns, transposed or from shuffled lists.
 //
 // It costs a tenth where one entry goes next to where another has just gone, as in stencils, and is
 // not done there, nor for a matrix that the cache holds.

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Patterns that are symmetric: the transpose has the row starts and the columns of the matrix itself.
+// Patterns that are symmetric: the transpose has the row starts and the columns of the matrix
+// itself.
 #pragma once
 
 #include <csr_matrix_mod/csr_matrix.hpp>
@@ -18,11 +19,11 @@ namespace csr_matrix_mod {
 // Is the pattern symmetric, with rows that ascend?
 //
 // Rows are visited in order, so the partner (j, i) of entry (i, j) below the diagonal is the first
-// entry of row j behind its diagonal that has met none, which is what the cursor of row j points at.
-// `meet` is told the positions of both, diagonal entries meet themselves. The first entry without a
-// partner ends the walk; an entry behind the diagonal that was left without is looked for now and
-// then. All have met theirs if there are as many behind the diagonal as before it; then the rows
-// ascend behind it too, because row j meets rows i in ascending order.
+// entry of row j behind its diagonal that has met none, which is what the cursor of row j points
+// at. `meet` is told the positions of both, diagonal entries meet themselves. The first entry
+// without a partner ends the walk; an entry behind the diagonal that was left without is looked for
+// now and then. All have met theirs if there are as many behind the diagonal as before it; then the
+// rows ascend behind it too, because row j meets rows i in ascending order.
 //
 // The matrix may be its own mirror image, and `cursor` has room for each of its rows.
 template <class Meet>

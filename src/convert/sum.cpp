@@ -119,8 +119,8 @@ class filling {
     return differences == 0;
   }
 
-  // Such rows need no marker, and vector registers hold several of their entries: 1.1 to 1.2 times as
-  // fast in fresh memory, 1.4 in recycled memory for 27 points a row.
+  // Such rows need no marker, and vector registers hold several of their entries: 1.1 to 1.2 times
+  // as fast in fresh memory, 1.4 in recycled memory for 27 points a row.
   std::int32_t add_equal_rows(const operand& one, const operand& other, std::int32_t i,
                               std::int32_t first) const {
     const std::int32_t from = one.starts[i - 1] - 1;

@@ -47,8 +47,8 @@ bool added_to_mirror_image(const csr_matrix& mat, csr_matrix& total) {
   return true;
 }
 
-// The union with the pattern of the transpose, no diagonal; what it lacks of it is nothing, if it is
-// its own mirror image.
+// The union with the pattern of the transpose, no diagonal; what it lacks of it is nothing, if it
+// is its own mirror image.
 bool united_with_mirror_image(const csr_matrix& mat, csr_matrix& total) {
   if (!is_its_own_mirror_image(mat, [](std::int32_t, std::int32_t) {})) return false;
   csr_matrix nothing;

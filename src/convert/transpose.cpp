@@ -57,9 +57,9 @@ bool scatters_widely(const csr_matrix& mat) {
   return scatters(mat.ja.data(), csr_matrix_num_nz(mat), fits_the_cache);
 }
 
-// Of a symmetric pattern the values alone move, and nothing is counted: 1.4 times as fast for 5 points
-// a row, 1.6 for 7, 2.6 for 27 in recycled memory, 1.6, 1.4 and 1.4 in fresh memory. False, with
-// nothing decided, where the pattern is not symmetric.
+// Of a symmetric pattern the values alone move, and nothing is counted: 1.4 times as fast for 5
+// points a row, 1.6 for 7, 2.6 for 27 in recycled memory, 1.6, 1.4 and 1.4 in fresh memory. False,
+// with nothing decided, where the pattern is not symmetric.
 bool mirrored(const csr_matrix& mat, csr_matrix& mat_t, scratch<std::int32_t>& cursor) {
   const double* const values = mat.a.data();
   double* const values_t = mat_t.a.data();

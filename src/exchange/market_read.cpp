@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// A Matrix Market file into a record: its entries as coordinate lists, the mirror images among them,
-// then row by row.
+// A Matrix Market file into a record: its entries as coordinate lists, the mirror images among
+// them, then row by row.
 #include "../io/file_error.hpp"
 #include "../support/entry_count.hpp"
 #include "../support/scratch.hpp"

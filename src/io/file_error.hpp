@@ -24,9 +24,9 @@ namespace csr_matrix_mod {
                          std::generic_category().message(error != 0 ? error : EIO)));
 }
 
-// Runs the body of a reader or writer. Names, messages and lines that cross a seam are strings: where
-// there is no storage for one, the file cannot be read or written either, and the stop says so
-// without asking for any.
+// Runs the body of a reader or writer. Names, messages and lines that cross a seam are strings:
+// where there is no storage for one, the file cannot be read or written either, and the stop says
+// so without asking for any.
 template <class Body>
 void at_file(std::string_view name, std::string_view failure, const Body& body) {
   try {

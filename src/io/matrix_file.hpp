@@ -27,9 +27,9 @@ enum class encoding { text, unformatted };
 [[nodiscard]] std::optional<encoding> encoding_of(std::optional<std::string_view> form);
 inline constexpr std::string_view unknown_form = "can not read this format!";
 
-// A lenient reader takes what a Fortran program takes. A strict one believes only a file that agrees
-// with itself: no record longer than its items, nothing on the line of an empty row, no last line
-// cut within its field, nothing after the matrix.
+// A lenient reader takes what a Fortran program takes. A strict one believes only a file that
+// agrees with itself: no record longer than its items, nothing on the line of an empty row, no last
+// line cut within its field, nothing after the matrix.
 enum class reading { lenient, strict };
 
 struct column_range {
@@ -37,8 +37,8 @@ struct column_range {
   std::int32_t last;
 };
 
-// The items are asked for once each, in the order of their declaration. Each stops with "NAME: PLACE:
-// expected ..., found ...", PLACE being a line or a record.
+// The items are asked for once each, in the order of their declaration. Each stops with
+// "NAME: PLACE: expected ..., found ...", PLACE being a line or a record.
 class matrix_file {
  public:
   matrix_file(byte_source& source, reading manner) : source_(source), manner_(manner) {}

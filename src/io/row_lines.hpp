@@ -21,8 +21,9 @@ void write_line(byte_sink& out, int columns, const Put& put) {
   out.advance(static_cast<std::size_t>(end - first));
 }
 
-// The positions of the entries, in order: run(first, end) for those of rows without an empty row between
-// them, whose lines stand one below the other, and empty_row(i) in the place of a row without entries.
+// The positions of the entries, in order: run(first, end) for those of rows without an empty row
+// between them, whose lines stand one below the other, and empty_row(i) in the place of a row
+// without entries.
 template <class Run, class Empty>
 void for_each_run(const csr_matrix& mat, const Run& run, const Empty& empty_row) {
   if (mat.n <= 0) return;

@@ -45,9 +45,9 @@ class byte_source {
   [[nodiscard]] bool next_line(std::string_view& line);
   static constexpr std::size_t kept_of_a_line = 1024;
 
-  // The bytes from the next line on that are in the buffer, and the way past the first `count` lines
-  // of them, all of `bytes` bytes: fields of fixed columns are read where they are, without a search
-  // for each line's end.
+  // The bytes from the next line on that are in the buffer, and the way past the first `count`
+  // lines of them, all of `bytes` bytes: fields of fixed columns are read where they are, without a
+  // search for each line's end.
   [[nodiscard]] std::string_view held() const noexcept {
     return {buffer_.data() + next_, end_ - next_};
   }

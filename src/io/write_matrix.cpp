@@ -13,7 +13,8 @@ namespace csr_matrix_mod {
 
 namespace {
 
-// Lines of one field each, written by put(to, items, count), as many at once as the sink has room for.
+// Lines of one field each, written by put(to, items, count), as many at once as the sink has room
+// for.
 template <class Item>
 void write_lines(byte_sink& out, const Item* items, std::int64_t count, int columns,
                  char* (*put)(char*, const Item*, std::int64_t) noexcept) {

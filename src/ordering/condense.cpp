@@ -33,9 +33,9 @@ std::int64_t repeated_entries(const csr_matrix& mat) {
 // 1; after row i two columns share a class when the same rows up to i hold them.
 //
 // A repeated column counts in the size of its class as often as it stands, so the class looks
-// larger, or more of it seems to lie in the row, than is true. A class that looks too large can lose
-// all its members and is then never met again; each repeat can leave one such class behind, hence
-// there are never more classes than columns and repeated entries.
+// larger, or more of it seems to lie in the row, than is true. A class that looks too large can
+// lose all its members and is then never met again; each repeat can leave one such class behind,
+// hence there are never more classes than columns and repeated entries.
 class column_partition {
  public:
   explicit column_partition(const csr_matrix& mat)

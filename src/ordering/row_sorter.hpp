@@ -17,8 +17,8 @@ namespace csr_matrix_mod {
 
 // Short rows are sorted by counting for each entry those with a smaller column, long ones by radix;
 // neither branches on a comparison, half of which a processor guesses wrong. Against a sort by
-// comparison of each row, 4.2 times as fast for 5 points a row, 6 for 7, 10 for 27, 4.5 for R-MAT, 8
-// for 200 random columns; where a third of the columns are repeated, 1.4 to 5 times.
+// comparison of each row, 4.2 times as fast for 5 points a row, 6 for 7, 10 for 27, 4.5 for R-MAT,
+// 8 for 200 random columns; where a third of the columns are repeated, 1.4 to 5 times.
 class row_sorter {
  public:
   // Stops with "allocation error in ROUTINE" when there is no room for `longest` entries.
@@ -45,8 +45,9 @@ class row_sorter {
   static constexpr std::int32_t lanes = 8;
   static constexpr std::uint32_t sign = 0x80000000U;  // makes unsigned columns compare as signed
 
-  // For each column, how many of the row are smaller, `lanes` columns at a time in vector registers.
-  // There are columns up to the next multiple of `lanes`; what is counted for those is not used.
+  // For each column, how many of the row are smaller, `lanes` columns at a time in vector
+  // registers. There are columns up to the next multiple of `lanes`; what is counted for those is
+  // not used.
   static void count_smaller(const std::int32_t* column, std::int32_t length, std::int32_t* place) {
     for (std::int32_t first = 0; first < length; first += lanes) {
       std::int32_t smaller[lanes] = {};

@@ -11,19 +11,19 @@
 
 namespace csr_matrix_mod {
 
-// Walks the entries of one row after the other. A processor that jumps to an element of a vector for
-// each entry does not look far along the columns and the values, which come in order. Asked for 4 KiB
-// ahead, y = A x is 1.7 times as fast for 5 points a row, 1.8 for 7, 1.15 for 27 and 2 for random
-// columns, y = A' x 1.6, 1.7, 1.15 and 1.2 to 2 times. Steps of eight entries alone are worth 1.1 for
-// 27 points a row in the cache.
+// Walks the entries of one row after the other. A processor that jumps to an element of a vector
+// for each entry does not look far along the columns and the values, which come in order. Asked for
+// 4 KiB ahead, y = A x is 1.7 times as fast for 5 points a row, 1.8 for 7, 1.15 for 27 and 2 for
+// random columns, y = A' x 1.6, 1.7, 1.15 and 1.2 to 2 times. Steps of eight entries alone are
+// worth 1.1 for 27 points a row in the cache.
 class entries_ahead {
  public:
   // `values` is null where the pattern alone is read.
   entries_ahead(const csr_matrix& mat, const double* values)
       : columns_(mat.ja.data()), values_(values), last_(last_worth_it(mat.ja.length())) {}
 
-  // Visits the positions from `first` on up to, but without, `end`. Entries of long rows are asked for
-  // eight at a time; those of a short row once.
+  // Visits the positions from `first` on up to, but without, `end`. Entries of long rows are asked
+  // for eight at a time; those of a short row once.
   template <class Visit>
   [[gnu::always_inline]] inline void visit(std::int32_t first, std::int32_t end,
                                            const Visit& visit) const {

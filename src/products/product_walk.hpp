@@ -23,7 +23,8 @@ struct operands {
 };
 
 // The number of entries of the product. The marker holds the last row in which a column was
-// counted, so it need not be cleared between rows. `routine` is blamed when there is no room for it.
+// counted, so it need not be cleared between rows. `routine` is blamed when there is no room for
+// it.
 template <diagonal Diagonal>
 std::int64_t count_entries(const operands& of, std::string_view routine) {
   const std::int32_t* const left_starts = of.ia.data();

@@ -14,8 +14,8 @@ namespace csr_matrix_mod::products {
 // are like that: there the first entry of a row nearly always tells.
 class shifted_rows {
  public:
-  // False when fewer than three quarters of the rows are like that, for then few of them follow each
-  // other, or when there is no room for the bits.
+  // False when fewer than three quarters of the rows are like that, for then few of them follow
+  // each other, or when there is no room for the bits.
   [[nodiscard]] bool look(std::int32_t n, const std::int32_t* starts,
                           const std::int32_t* columns) noexcept {
     const std::int64_t words = n / 64 + 3;  // 64 bits from any row on can be read

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
-// Rows of sums side by side in vector registers: one row a lane, so that each sum takes its terms in
-// their order and no bit depends on how wide the registers are. A A for the 27-point stencil: 1.2 times
-// as fast with 32 bytes as with 16, 1.27 times with 64; for the 5-point one 1.1 and 1.2 times.
+// Rows of sums side by side in vector registers: one row a lane, so that each sum takes its terms
+// in their order and no bit depends on how wide the registers are. A A for the 27-point stencil:
+// 1.2 times as fast with 32 bytes as with 16, 1.27 times with 64; for the 5-point one 1.1 and 1.2
+// times.
 #pragma once
 
 #include <cstdint>
@@ -20,8 +21,8 @@ struct side_by_side {
   // to[t] = from[t] + by, for `number` elements.
   void (*move)(const std::int32_t* from, std::int32_t number, std::int32_t by, std::int32_t* to);
 
-  // 16 sums for each of `width` places. A term is a pair of offsets, of 16 left factors and of 16 right
-  // ones; those of place q end before `terms[ends[q]]`, and each place has at least one.
+  // 16 sums for each of `width` places. A term is a pair of offsets, of 16 left factors and of 16
+  // right ones; those of place q end before `terms[ends[q]]`, and each place has at least one.
   void (*sum)(const std::int32_t* terms, const std::int32_t* ends, std::int32_t width,
               const double* left, const double* right, double* sums);
 };

@@ -56,8 +56,8 @@ constexpr bool are_digits(std::uint64_t text) noexcept {
   return ((text & high) | ((text + eight_times(6)) & high) >> 4) == eight_times('\x33');
 }
 
-// The number that eight digits make; two, four and eight of them a step. A step multiplies by ten to
-// the power of its parts and by one, the sum landing in the upper part.
+// The number that eight digits make; two, four and eight of them a step. A step multiplies by ten
+// to the power of its parts and by one, the sum landing in the upper part.
 constexpr std::uint32_t number_of(std::uint64_t text) noexcept {
   const std::uint64_t digits = text & eight_times(15);
   const std::uint64_t twos = (digits * ((10U << 8) + 1) >> 8) & 0x00ff00ff00ff00ffU;

@@ -20,8 +20,8 @@ char* put_i10_lines(char* to, const std::int32_t* values, std::int64_t count) no
 char* put_g20_8_lines(char* to, const double* values, std::int64_t count) noexcept;
 
 // The number in the columns from `field` on if it has the form that is written: blanks and up to 8
-// digits, or 8 digits with a point and an exponent of two digits at most. Nothing for any other form,
-// which `integer_in` and `value_in` judge.
+// digits, or 8 digits with a point and an exponent of two digits at most. Nothing for any other
+// form, which `integer_in` and `value_in` judge.
 [[nodiscard]] std::optional<std::int32_t> quick_i10(const char* field) noexcept;
 [[nodiscard]] std::optional<double> quick_g20_8(const char* field) noexcept;
 

@@ -27,9 +27,9 @@ bool refused(std::size_t bytes) noexcept {
 // A request for nothing is storage too, so it must not come back null.
 std::size_t at_least_one(std::size_t bytes) noexcept { return std::max<std::size_t>(bytes, 1); }
 
-// Filling fresh memory is what a product waits for most, page by page: with pages of 2 MiB the square
-// of a 5-point matrix with a million rows takes half the time (67 instead of 128 ms). The system is
-// asked for them inside large blocks, and whatever it answers the block is good.
+// Filling fresh memory is what a product waits for most, page by page: with pages of 2 MiB the
+// square of a 5-point matrix with a million rows takes half the time (67 instead of 128 ms). The
+// system is asked for them inside large blocks, and whatever it answers the block is good.
 constexpr std::size_t worth_it = std::size_t{4} << 20;
 constexpr std::size_t huge_page = std::size_t{2} << 20;
 
@@ -46,9 +46,9 @@ void* with_huge_pages(void* block, std::size_t bytes) noexcept {
   return block;
 }
 
-// A large block begins with such a page where it can, so that only its end is filled in small ones, and
-// 4 MiB are large: together a binary file of 64 MB is read in 12.1 instead of 14.9 ms, one of 30 MB in
-// 6.0 instead of 7.6, and the square above takes 7 % less.
+// A large block begins with such a page where it can, so that only its end is filled in small ones,
+// and 4 MiB are large: together a binary file of 64 MB is read in 12.1 instead of 14.9 ms, one of
+// 30 MB in 6.0 instead of 7.6, and the square above takes 7 % less.
 void* obtain_block(std::size_t bytes) noexcept {
 #if defined(__linux__) && defined(MADV_HUGEPAGE)
   void* block = nullptr;
@@ -57,10 +57,10 @@ void* obtain_block(std::size_t bytes) noexcept {
   return std::malloc(at_least_one(bytes));
 }
 
-// Is a block of many pages at most a page larger? Cut off, so little would be kept for small requests, and the
-// next block of the size before would not find room where this one was: the heap of a program that
-// forms the same product again grew with each of the first calls, and each of them waited for fresh
-// pages, for twice its time.
+// Is a block of many pages at most a page larger? Cut off, so little would be kept for small
+// requests, and the next block of the size before would not find room where this one was: the heap
+// of a program that forms the same product again grew with each of the first calls, and each of
+// them waited for fresh pages, for twice its time.
 bool fits_closely(void* block, std::size_t bytes) noexcept {
 #if defined(__GLIBC__)
   constexpr std::size_t page = 4096;

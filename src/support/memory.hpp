@@ -16,8 +16,9 @@ namespace csr_matrix_mod::detail {
 // As `obtain`, with every byte zero: the system hands out zero pages without touching them.
 [[nodiscard]] void* obtain_zeroed(std::size_t bytes) noexcept;
 
-// `block` with another number of bytes, possibly elsewhere, the leading ones kept; null, and `block`
-// as it was, if there is no storage to be had. Large blocks move page by page, not byte by byte.
+// `block` with another number of bytes, possibly elsewhere, the leading ones kept; null, and
+// `block` as it was, if there is no storage to be had. Large blocks move page by page, not byte by
+// byte.
 [[nodiscard]] void* resize_block(void* block, std::size_t bytes) noexcept;
 
 struct storage_access {

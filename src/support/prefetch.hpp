@@ -41,8 +41,8 @@ template <class T>
   for (std::int64_t at = 0; at < number; at += at_a_time) prefetch_for_reading(first + at);
 }
 
-// Of some entries from all over, do most lead to rows that none of the 64 before them is near? Fewer
-// than `few` entries, 2^15 or more, are not looked at: what they lead to is in the cache.
+// Of some entries from all over, do most lead to rows that none of the 64 before them is near?
+// Fewer than `few` entries, 2^15 or more, are not looked at: what they lead to is in the cache.
 [[nodiscard]] inline bool scatters(const std::int32_t* rows, std::int32_t nnz, std::int32_t few) {
   if (nnz < few) return false;
   constexpr std::int32_t samples = 256;

@@ -164,8 +164,8 @@ TEST(Allocations, OfACopyAreItsArrays) {
   EXPECT_EQ(counted([&] { csr_matrix_assign(copy, a); }), (requests{3, matrix_bytes(rows, nnz)}));
 }
 
-// What the longest row needs while it is sorted, whatever the number of rows: its keys twice and its
-// values once, 8 bytes each.
+// What the longest row needs while it is sorted, whatever the number of rows: its keys twice and
+// its values once, 8 bytes each.
 std::int64_t row_temporaries(std::int64_t longest) { return 3 * values(longest); }
 
 TEST(Allocations, OfSortingAreTheLongestRowAndTheRowStarts) {

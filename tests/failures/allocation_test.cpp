@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-// Every routine that asks for storage, refused at every request: the first, the second, ... until it
-// makes fewer; that request alone, and all from it on. A refusal ends in a stop that the contract
-// lists, or the result is the same as ever. Operands stay as they were, the same call succeeds
-// afterwards, and every record can be released. (A leak is the sanitizer's to find.)
+// Every routine that asks for storage, refused at every request: the first, the second, ... until
+// it makes fewer; that request alone, and all from it on. A refusal ends in a stop that the
+// contract lists, or the result is the same as ever. Operands stay as they were, the same call
+// succeeds afterwards, and every record can be released. (A leak is the sanitizer's to find.)
 #include "../../src/support/stop.hpp"
 #include "../support/files.hpp"
 #include "../support/matrices.hpp"
@@ -159,7 +159,8 @@ struct listed_stop {
 };
 
 enum class needs { anything, values, patterns };
-// Whether the result is also what is read, and if so whether another record over its arrays looks on.
+// Whether the result is also what is read, and if so whether another record over its arrays looks
+// on.
 enum class kind { reads_only, out_of_place, in_place, in_new_arrays };
 
 struct routine {

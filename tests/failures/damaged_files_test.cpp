@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// Small files of every kind, cut behind each byte and damaged in each byte. A reader refuses what it
-// finds in one line that names the file, or it gives a matrix that is well formed; where the file
-// tells the difference, it gives none but the matrix that was written.
+// Small files of every kind, cut behind each byte and damaged in each byte. A reader refuses what
+// it finds in one line that names the file, or it gives a matrix that is well formed; where the
+// file tells the difference, it gives none but the matrix that was written.
 #include "../../src/io/stream.hpp"
 #include "../support/observe.hpp"
 #include "readers.hpp"

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// A disk that fails: one call of the library to the system's files, counted from 0, does not do what
-// it should. The linker leads the calls to the counter (CMakeLists.txt).
+// A disk that fails: one call of the library to the system's files, counted from 0, does not do
+// what it should. The linker leads the calls to the counter (CMakeLists.txt).
 #pragma once
 
 namespace tests {

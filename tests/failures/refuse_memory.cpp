@@ -31,7 +31,8 @@ int counted_main(int argc, char** argv, char** environment) {
 
 }  // namespace
 
-// NOLINTBEGIN(bugprone-reserved-identifier,readability-inconsistent-*): all names are those of others
+// NOLINTBEGIN(bugprone-reserved-identifier,readability-inconsistent-*): all names are those of
+// others
 extern "C" {
 
 void* __libc_malloc(std::size_t bytes);

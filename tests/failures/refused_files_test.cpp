@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Readers of files that cannot be opened, that fail at any call, that come in small pieces, or whose
-// names hold blanks.
+// Readers of files that cannot be opened, that fail at any call, that come in small pieces, or
+// whose names hold blanks.
 #include "../../src/io/stream.hpp"
 #include "../support/observe.hpp"
 #include "faults.hpp"

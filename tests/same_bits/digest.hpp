@@ -10,7 +10,8 @@
 
 namespace same_bits {
 
-// Each step can be undone, so two sequences that differ in one number never meet again by that step.
+// Each step can be undone, so two sequences that differ in one number never meet again by that
+// step.
 class digest {
  public:
   void add(std::uint64_t value) noexcept {

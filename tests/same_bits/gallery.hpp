@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Matrices made with integers alone, so that every machine and every standard library makes the same.
+// Matrices made with integers alone, so that every machine and every standard library makes the
+// same.
 #pragma once
 
 #include <csr_matrix_mod/csr_matrix_mod.hpp>

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Runs every routine on a gallery of matrices and says in one number what came out, to the last bit.
+// Runs every routine on a gallery of matrices and says in one number what came out, to the last
+// bit.
 //
 //   same_bits FOLDER [EXPECTED]   prints a digest a routine and one of all; leaves in FOLDER, which
 //                                 is to be empty, the files that were written. Fails if the file

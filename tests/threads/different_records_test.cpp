@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Several threads at once, each with records and files of its own, through all chapters. What comes
-// out is what comes out of one thread alone. Under -fsanitize=thread (preset tsan) this is also what
-// shows that nothing is shared without a lock.
+// out is what comes out of one thread alone. Under -fsanitize=thread (preset tsan) this is also
+// what shows that nothing is shared without a lock.
 #include "../support/files.hpp"
 #include "../support/matrices.hpp"
 #include "../support/observe.hpp"
