@@ -4,6 +4,7 @@
 #pragma once
 
 #include "../support/scratch.hpp"
+#include "unforeseen_paths.hpp"
 
 #include <csr_matrix_mod/support.hpp>
 
@@ -79,17 +80,21 @@ struct rows_by_starts {
 
 // Stores the entries of the product in the order in which paths first lead to them. The marker
 // holds the position at which a column was stored; a position before the row's first is one of an
-// earlier row, so it need not be cleared either. `left` times `right` of `path` is
-// what a path is worth; `right_rows` is as `rows_by_starts`, `beside` as `walk_alone`.
-template <diagonal Diagonal, class Values, class Path, class Rows, class Beside = walk_alone>
+// earlier row, so it need not be cleared either. `left` times `right` of `path` is what a path is
+// worth; `right_rows` is as `rows_by_starts`, `beside` as `walk_alone`, `foresight` as
+// `paths_foreseen`.
+template <diagonal Diagonal, class Values, class Path, class Rows, class Beside = walk_alone,
+          class Foresight = paths_foreseen>
 void store_entries(const operands& of, const product<Values>& to, const Path path,
-                   std::string_view routine, const Rows right_rows, Beside beside = {}) {
+                   std::string_view routine, const Rows right_rows, Beside beside = {},
+                   Foresight foresight = {}) {
   const std::int32_t* const left_starts = of.ia.data();
   const std::int32_t* const left_columns = of.ja.data();
   const std::int32_t* const right_columns = of.jb.data();
   std::int32_t* const starts = to.ic.data();
   std::int32_t* const columns = to.jc.data();
   const Values values = to.values;
+  [[maybe_unused]] const std::int64_t room = to.jc.length();
   scratch<std::int32_t> marker(of.ncol, contents::zero, routine);
   std::int32_t* const mark = marker.data();
 
@@ -103,7 +108,29 @@ void store_entries(const operands& of, const product<Values>& to, const Path pat
       const std::int32_t j = left_columns[k - 1];
       const auto left = path.left(k, j);
       const std::int32_t right_end = right_rows.end(j);
-      for (std::int32_t l = right_rows.first(j); l < right_end; ++l) {
+      std::int32_t l = right_rows.first(j);
+      if constexpr (!Foresight::always) {
+        const std::int32_t length = right_end - l;
+        // Without a branch the slot behind the last entry is written too. Compared without a sign,
+        // so that compilers add the carry.
+        if (foresight.unforeseen(k, right_columns + (l - 1), length, mark, first) &&
+            length < room - pos) {
+          for (; l < right_end; ++l) {
+            const std::int32_t column = right_columns[l - 1];
+            if (Diagonal == diagonal::skipped && column == i) continue;
+            const std::int32_t before = mark[column - 1];
+            const bool is_new =
+                static_cast<std::uint32_t>(before) < static_cast<std::uint32_t>(first);
+            const std::int32_t at = is_new ? pos + 1 : before;
+            columns[pos] = column;
+            values.set(pos + 1, -0.0);  // to which a value is added without a change
+            mark[column - 1] = at;
+            values.add(at, left * path.right(l));
+            pos += is_new ? 1 : 0;
+          }
+        }
+      }
+      for (; l < right_end; ++l) {
         const std::int32_t column = right_columns[l - 1];
         if (Diagonal == diagonal::skipped && column == i) continue;
         const std::int32_t at = mark[column - 1];

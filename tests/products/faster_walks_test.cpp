@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Products whose left columns jump, for which the right rows of the paths to come are asked for,
-// and those with one entry in each right row, which are not looked up, against the two passes that
-// do neither: the same arrays to the last bit.
+// those with one entry in each right row, which are not looked up, and those of which no processor
+// foresees which paths lead to new columns, which are stored without a branch, against the two
+// passes that do neither: the same arrays to the last bit.
 #include "passes.hpp"
 #include "products.hpp"
 
@@ -15,18 +16,20 @@ using namespace tests;
 
 namespace {
 
-// n rows of 0 to 15 random columns out of m, some of them repeated, about 8 a row.
-csr_matrix random_matrix(std::int32_t n, std::int32_t m, std::uint64_t seed) {
+// n rows of 0 to 15 random columns out of m, some of them repeated, about 8 a row; in the first
+// `narrow` rows out of 2.
+csr_matrix random_matrix(std::int32_t n, std::int32_t m, std::uint64_t seed,
+                         std::size_t narrow = 0) {
   std::uint64_t state = seed;
   const auto draw = [&state](std::int32_t below) {
     state = state * 6364136223846793005U + 1442695040888963407U;
     return static_cast<std::int32_t>((state >> 33U) % static_cast<std::uint64_t>(below));
   };
   entry_rows rows(static_cast<std::size_t>(n));
-  for (auto& row : rows) {
+  for (std::size_t i = 0; i < rows.size(); ++i) {
     const std::int32_t length = draw(16);
     for (std::int32_t t = 0; t < length; ++t)
-      row.push_back({draw(m) + 1, (draw(1 << 20) - (1 << 19)) / 3.0});
+      rows[i].push_back({draw(i < narrow ? 2 : m) + 1, (draw(1 << 20) - (1 << 19)) / 3.0});
   }
   return real_matrix(m, rows);
 }
@@ -77,6 +80,16 @@ INSTANTIATE_TEST_SUITE_P(
                          [] { return one_entry_a_row(70, 70); }},
         pair_of_operands{"FewColumnsToAsManyEntriesAsRows", [] { return random_matrix(90, 70, 5); },
                          [] { return one_entry_in_most_rows(70, 20); }},
+        pair_of_operands{"PathsThatNobodyForesees", [] { return random_matrix(9000, 300, 7); },
+                         [] { return random_matrix(300, 60, 8); }},
+        pair_of_operands{"PathsThatNobodyForeseesAndColumnsThatJump",
+                         [] { return random_matrix(9000, 3000, 9); },
+                         [] { return random_matrix(3000, 60, 10); }},
+        pair_of_operands{"PathsThatNobodyForeseesToRowsOfOneEntry",
+                         [] { return random_matrix(9000, 300, 11); },
+                         [] { return one_entry_a_row(300, 7); }},
+        pair_of_operands{"PathsForeseenAtFirst", [] { return random_matrix(9000, 300, 12, 4000); },
+                         [] { return random_matrix(300, 60, 13); }},
         pair_of_operands{"OneRowOfOneEntry", [] { return random_matrix(5, 1, 6); },
                          [] { return one_entry_a_row(1, 1); }}),
     [](const auto& tested) { return tested.param.name; });
@@ -105,6 +118,24 @@ TEST_P(FasterWalk, GivesTheGraphProductOfTheTwoPasses) {
   csr_matrix_multiply_graph(left, right, paths, std::nullopt,
                             array_view<const std::int32_t>(weights));
   EXPECT_TRUE(are_same(paths, passes_of_graph(left, right, &weights)));
+}
+
+// Room for more than there will be is refused, then what comes behind it: there is no slot behind
+// the last entry.
+TEST_P(FasterWalk, GivesTheProductWhereThereIsNoRoomToSpare) {
+  const passes expected = passes_of_product(left, right);
+  int done = 0;
+  bool reached = true;
+  for (int k = 0; reached; ++k) {
+    csr_matrix product;
+    const refuse_allocation refuse(k);
+    const observed seen = observe([&] { csr_matrix_multiply(left, right, product); });
+    reached = refuse.reached();
+    if (seen.stop) continue;
+    ++done;
+    EXPECT_TRUE(are_same(product, expected)) << "request " << k;
+  }
+  EXPECT_GE(done, 2);
 }
 
 }  // namespace
