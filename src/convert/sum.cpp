@@ -5,10 +5,13 @@
 #include "../support/entry_count.hpp"
 #include "../support/scratch.hpp"
 #include "../support/stop.hpp"
+#include "short_rows.hpp"
 
 #include <csr_matrix_mod/convert.hpp>
 
 #include <algorithm>
+#include <bit>
+#include <cstring>
 
 namespace csr_matrix_mod {
 
@@ -16,7 +19,7 @@ namespace {
 
 struct add_values {
   static constexpr std::string_view routine = "csr_matrix_sum";
-  static constexpr bool adds_equal_rows = true;
+  static constexpr bool looks_at_rows = true;
   static bool skips(std::int32_t /*i*/, std::int32_t /*j*/) { return false; }
   static void place(double& kept, double value) { kept = value; }
   static void repeat(double& kept, double value) { kept = kept + value; }
@@ -24,7 +27,7 @@ struct add_values {
 
 struct unit_off_diagonal {
   static constexpr std::string_view routine = "csr_matrix_sum_nodiag";
-  static constexpr bool adds_equal_rows = false;
+  static constexpr bool looks_at_rows = false;
   static bool skips(std::int32_t i, std::int32_t j) { return i == j; }
   static void place(double& kept, double /*value*/) { kept = 1.0; }
   static void repeat(double& kept, double /*value*/) { kept = 1.0; }
@@ -32,8 +35,12 @@ struct unit_off_diagonal {
 
 struct operand {
   explicit operand(const csr_matrix& mat)
-      : starts(mat.ia.data()), columns(mat.ja.data()), values(mat.a.data()) {}
+      : entries(mat.n > 0 ? csr_matrix_num_nz(mat) : 0),
+        starts(mat.ia.data()),
+        columns(mat.ja.data()),
+        values(mat.a.data()) {}
 
+  std::int32_t entries;
   const std::int32_t* starts;
   const std::int32_t* columns;
   const double* values;
@@ -73,14 +80,17 @@ class filling {
   filling(csr_matrix& sum, std::int32_t* mark)
       : columns_(sum.ja.data()),
         values_(sum.type == matrix_real ? sum.a.data() : nullptr),
+        room_(sum.ja.length()),
         mark_(mark) {}
 
   // Row i of the sum, which starts at `first`: the columns of one operand, then those that only
   // the other has. Where the next row starts.
   std::int32_t fill_row(const operand& one, const operand& other, std::int32_t i,
                         std::int32_t first) const {
-    if (Rule::adds_equal_rows && equal_rows(one, other, i))
-      return add_equal_rows(one, other, i, first);
+    if constexpr (Rule::looks_at_rows) {
+      if (equal_rows(one, other, i)) return add_equal_rows(one, other, i, first);
+      if (const std::int32_t next = add_short_rows(one, other, i, first); next > 0) return next;
+    }
     return add_row(other, i, first, add_row(one, i, first, first));
   }
 
@@ -134,8 +144,62 @@ class filling {
     return first + length;
   }
 
+  // Rows that need no marker either; 0 where they are not such. What is read and written behind
+  // their ends belongs to the rows that follow.
+  std::int32_t add_short_rows(const operand& one, const operand& other, std::int32_t i,
+                              std::int32_t first) const {
+    const std::int32_t from = one.starts[i - 1] - 1;
+    const std::int32_t length = one.starts[i] - 1 - from;
+    const std::int32_t other_from = other.starts[i - 1] - 1;
+    const std::int32_t other_length = other.starts[i] - 1 - other_from;
+    if (length < 0 || length > short_rows::longest || other_length < 0 ||
+        other_length > short_rows::longest || one.entries - from < short_rows::columns_read ||
+        other.entries - other_from < short_rows::columns_read ||
+        room_ - first < 2 * short_rows::longest)
+      return 0;
+    short_rows rows;
+    if (!rows.compare(one.columns + from, length, other.columns + other_from, other_length))
+      return 0;
+    put_row(one, from, length, first);
+    std::int32_t p = first + length;
+    if (!rows.may_share_columns()) {
+      put_row(other, other_from, other_length, p);
+      return p + other_length;
+    }
+    for (std::int32_t k = 0; k < other_length; ++k) {  // no branch, for nobody foresees which
+      const std::int32_t shared = rows.shared(k);
+      columns_[p - 1] = other.columns[other_from + k];
+      if (values_ != nullptr) {
+        const double value = other.values[other_from + k];
+        values_[p - 1] = value;
+        double& kept = values_[(shared != 0 ? first + rows.below(k) : p) - 1];
+        kept = chosen(shared, kept + value, value);
+      }
+      p += 1 + shared;
+    }
+    return p;
+  }
+
+  void put_row(const operand& mat, std::int32_t from, std::int32_t length, std::int32_t p) const {
+    copy_in_fours(mat.columns + from, length, columns_ + (p - 1));
+    if (values_ != nullptr) copy_in_fours(mat.values + from, length, values_ + (p - 1));
+  }
+
+  template <class T>
+  static void copy_in_fours(const T* from, std::int32_t length, T* to) {
+    for (std::int32_t k = 0; k < length; k += 4) std::memcpy(to + k, from + k, 4 * sizeof(T));
+  }
+
+  // One of both by its bits: `yes` where they are all 1, `no` where they are 0.
+  static double chosen(std::int32_t bits, double yes, double no) {
+    const auto mask = static_cast<std::uint64_t>(std::int64_t{bits});
+    return std::bit_cast<double>((std::bit_cast<std::uint64_t>(yes) & mask) |
+                                 (std::bit_cast<std::uint64_t>(no) & ~mask));
+  }
+
   std::int32_t* columns_;
   double* values_;
+  std::int64_t room_;
   std::int32_t* mark_;
 };
 

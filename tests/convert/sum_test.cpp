@@ -11,6 +11,7 @@
 #include <rapidcheck/gtest.h>
 
 #include <algorithm>
+#include <bit>
 #include <utility>
 
 namespace {
@@ -238,6 +239,58 @@ TEST(Sum, AddsRowsWithTheSameColumnsAndRowsThatDifferInOnePlace) {
       EXPECT_EQ(entries_of(mat3), tests::dense::sum(one, other, 80));
       EXPECT_EQ(mat3.a.length(), csr_matrix_num_nz(mat3));
     }
+  }
+}
+
+// Every pair of lengths around that of short rows, with columns of which many, few or none are those
+// of the other row, up to the last row and the last slot there is; values as above.
+TEST(Sum, AddsShortRowsThatShareSomeColumns) {
+  constexpr std::int32_t m = 200;
+  for (const std::int32_t step : {1, 2, 3, 7}) {
+    entry_rows rows1;
+    entry_rows rows2;
+    for (std::int32_t length = 0; length < 19; ++length)
+      for (std::int32_t other = 0; other < 19; ++other) {
+        auto& row1 = rows1.emplace_back();
+        auto& row2 = rows2.emplace_back();
+        for (std::int32_t k = 0; k < length; ++k)
+          row1.push_back({1 + 3 * k + k % 3, (k % 3 - 1) * 1e15 + 0.1 * k});
+        for (std::int32_t k = 0; k < other; ++k)
+          row2.push_back({1 + step * k + length % 2, k % 5 == 0 ? -0.0 : 1e15 - 0.3 * k});
+      }
+    for (std::size_t rows = 0; rows <= rows1.size(); rows += 19) {
+      rows1.resize(rows1.size() - (rows == 0 ? 0 : 19));
+      rows2.resize(rows1.size());
+      const csr_matrix mat1 = real_matrix(m, rows1);
+      const csr_matrix mat2 = real_matrix(m, rows2);
+      csr_matrix mat3;
+      observe([&] { csr_matrix_sum(mat1, mat2, mat3); });
+      EXPECT_EQ(entries_of(mat3), tests::dense::sum(rows1, rows2, m));
+      csr_matrix bare;
+      observe([&] { csr_matrix_sum(pattern(m, columns_of(rows1)), mat2, bare); });
+      EXPECT_EQ(columns_of(bare), columns_of(entries_of(mat3)));
+    }
+  }
+}
+
+// A value that meets nothing keeps its bits, those of a NaN included.
+TEST(Sum, KeepsTheBitsOfWhatIsNotAddedInShortRows) {
+  const auto nan = std::bit_cast<double>(std::uint64_t{0x7ff0000000000123});
+  entry_rows rows1(20);
+  entry_rows rows2(20);
+  for (auto& row : rows1) row = {{2, 1.5}, {4, nan}};
+  for (auto& row : rows2) row = {{1, nan}, {2, 2.5}, {5, -nan}};
+  const csr_matrix mat1 = real_matrix(5, rows1);
+  const csr_matrix mat2 = real_matrix(5, rows2);
+  csr_matrix mat3;
+  expect_silent([&] { csr_matrix_sum(mat1, mat2, mat3); });
+  ASSERT_EQ(csr_matrix_num_nz(mat3), 80);
+  const auto bits = [&](std::int32_t k) { return std::bit_cast<std::uint64_t>(mat3.a(k)); };
+  for (std::int32_t k = 1; k <= 80; k += 4) {
+    EXPECT_EQ(mat3.a(k), 4.0);
+    EXPECT_EQ(bits(k + 1), std::uint64_t{0x7ff0000000000123});
+    EXPECT_EQ(bits(k + 2), std::uint64_t{0x7ff0000000000123});
+    EXPECT_EQ(bits(k + 3), std::uint64_t{0xfff0000000000123});
   }
 }
 
