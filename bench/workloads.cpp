@@ -17,15 +17,10 @@ namespace {
 // splitmix64: the library's distributions differ between systems, this does not.
 class random_numbers {
  public:
-  explicit random_numbers(std::uint64_t seed) : state_(seed * 0x9e3779b97f4a7c15U) {}
+  // Seeds that follow each other must not begin sequences that are the same but for some numbers.
+  explicit random_numbers(std::uint64_t seed) : state_(mixed(seed)) {}
 
-  std::uint64_t bits() {
-    state_ += 0x9e3779b97f4a7c15U;
-    std::uint64_t z = state_;
-    z = (z ^ (z >> 30)) * 0xbf58476d1ce4e5b9U;
-    z = (z ^ (z >> 27)) * 0x94d049bb133111ebU;
-    return z ^ (z >> 31);
-  }
+  std::uint64_t bits() { return mixed(state_ += 0x9e3779b97f4a7c15U); }
   std::int32_t below(std::int32_t end) {
     return static_cast<std::int32_t>((bits() >> 32) * static_cast<std::uint64_t>(end) >> 32);
   }
@@ -33,6 +28,12 @@ class random_numbers {
   double symmetric() { return 2 * unit() - 1; }
 
  private:
+  static std::uint64_t mixed(std::uint64_t z) {
+    z = (z ^ (z >> 30)) * 0xbf58476d1ce4e5b9U;
+    z = (z ^ (z >> 27)) * 0x94d049bb133111ebU;
+    return z ^ (z >> 31);
+  }
+
   std::uint64_t state_;
 };
 
@@ -184,6 +185,22 @@ matrix repeated_entries(const matrix& of, std::uint64_t seed) {
     a.columns.insert(a.columns.end(), first, first + length);
     for (std::int32_t again = length / 3; again > 0; --again)
       a.columns.push_back(first[random.below(length)]);
+    end_row(a);
+  }
+  fill_values(a, random);
+  return a;
+}
+
+matrix half_redrawn(const matrix& of, std::uint64_t seed) {
+  random_numbers random(seed);
+  matrix a = with_rows(of.n, of.m, of.columns.size());
+  for (std::size_t i = 0; i + 1 < of.starts.size(); ++i) {
+    const auto first = a.columns.insert(a.columns.end(), of.columns.begin() + (of.starts[i] - 1),
+                                        of.columns.begin() + (of.starts[i + 1] - 1));
+    for (auto column = first; column != a.columns.end(); ++column)
+      if (random.below(2) == 0) *column = random.below(of.m) + 1;
+    std::sort(first, a.columns.end());
+    a.columns.erase(std::unique(first, a.columns.end()), a.columns.end());
     end_row(a);
   }
   fill_values(a, random);

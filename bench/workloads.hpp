@@ -32,6 +32,9 @@ matrix shuffled_rows(matrix of, std::uint64_t seed = 1);
 // Some entries of each row stored again, at the end of it.
 matrix repeated_entries(const matrix& of, std::uint64_t seed = 1);
 
+// One of two columns drawn anew, those that a row has twice then left out.
+matrix half_redrawn(const matrix& of, std::uint64_t seed);
+
 // Every 8 neighbours of a cube (4 of a square, `block` consecutive rows) make one coarse point.
 matrix aggregates_of_square(std::int32_t side);
 matrix aggregates_of_cube(std::int32_t side);

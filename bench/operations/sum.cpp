@@ -14,7 +14,9 @@ operation sum() {
       on("7-point", seven_point_rows(), 1e6, 1, [](problem& p) { p.b = seven_point(p.a.n, 2); }),
       on("27-point", twenty_seven_point_rows(), 262144, 1.4,
          [](problem& p) { p.b = twenty_seven_point(p.a.n, 2); }),
-      on("random", random_rows(), 1e6, 2, [](problem& p) { p.b = uniform_random(p.a.n, 8, 2); })};
+      on("random", random_rows(), 1e6, 2, [](problem& p) { p.b = uniform_random(p.a.n, 8, 2); }),
+      on("random, half shared", random_rows(), 1e6, 0,
+         [](problem& p) { p.b = half_redrawn(p.a, 2); })};
   of.plain = [](const problem& p) {
     return makes([&p] { return plain::sum(p.a, p.b); }, matrix_answer);
   };
