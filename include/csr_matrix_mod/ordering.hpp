@@ -30,8 +30,7 @@ void csr_matrix_sort(csr_matrix& mat);
 /// Requires: `mat` has row starts and entries; columns within 1 to m; structure only is welcome.
 /// Ensures: each row holds each column once, where it stood first; values that meet are added in
 /// stored order. Capacity is exactly the number of entries, also if nothing was merged.
-/// Cost: O(n + m + entries); temporaries of n+1 and m integers. A matrix that is sorted is only
-/// looked at.
+/// Cost: O(n + m + entries); a temporary of m integers. A matrix that is sorted is only looked at.
 /// Stops: with a blank message after the line " problem allocating in matrix_clean", `mat`
 /// unchanged; as `csr_matrix_reallocate`, a matrix without entries included.
 void csr_matrix_clean(csr_matrix& mat);

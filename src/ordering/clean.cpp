@@ -6,7 +6,8 @@
 
 #include <csr_matrix_mod/ordering.hpp>
 
-#include <algorithm>
+#include <cstdint>
+#include <utility>
 
 namespace csr_matrix_mod {
 
@@ -15,16 +16,17 @@ namespace {
 // Merges within each row and closes the gaps. mark(j) is the position at which column j was kept
 // last; one before the row's first is one of an earlier row, so nothing need be cleared: 1.2 times
 // as fast as unmarking the columns of each row.
-void merge_rows(csr_matrix& mat, std::int32_t* mark, std::int32_t* newia) {
-  const std::int32_t* const starts = mat.ia.data();
+void merge_rows(csr_matrix& mat, std::int32_t* mark) {
+  std::int32_t* const starts = mat.ia.data();
   std::int32_t* const columns = mat.ja.data();
   double* const values = mat.type == matrix_real ? mat.a.data() : nullptr;
   std::int32_t q = 1;
-  newia[0] = q;
+  std::int32_t next_row = std::exchange(starts[0], q);
   for (std::int64_t i = 1; i <= mat.n; ++i) {
     const std::int32_t first = q;
-    const std::int32_t next_row = starts[i];
-    for (std::int32_t p = starts[i - 1]; p < next_row; ++p) {
+    std::int32_t p = next_row;
+    next_row = starts[i];
+    for (; p < next_row; ++p) {
       const std::int32_t j = columns[p - 1];
       const std::int32_t kept = mark[j - 1];
       if (kept < first) {
@@ -36,20 +38,17 @@ void merge_rows(csr_matrix& mat, std::int32_t* mark, std::int32_t* newia) {
         values[kept - 1] = values[kept - 1] + values[p - 1];
       }
     }
-    newia[i] = q;
+    starts[i] = q;
   }
 }
 
 void merge_repeated(csr_matrix& mat) {
   scratch<std::int32_t> mark;
-  scratch<std::int32_t> newia;
-  if (!mark.allocate(mat.m, contents::zero) ||
-      !newia.allocate(std::int64_t{mat.n} + 1, contents::undefined)) {
+  if (!mark.allocate(mat.m, contents::zero)) {
     print_free("problem allocating in matrix_clean");
     stop(blank_message);
   }
-  merge_rows(mat, mark.data(), newia.data());
-  std::copy(newia.begin(), newia.end(), mat.ia.data());
+  merge_rows(mat, mark.data());
 }
 
 }  // namespace
