@@ -58,20 +58,18 @@ void fill_product(const csr_matrix& m1, const csr_matrix& m2, std::int32_t ncol,
     return store_entries<Diagonal>(
         of, to, path, routine, rows_by_starts{of.ib.data()},
         repeated_rows<Diagonal, Values, Path>(of, to, path, found.left(), found.right(), m2.n));
-  const auto walk_beside = [&](const auto right_rows, const auto beside) {
-    if (of.n > 0 && paths_watched::are_worth_it(of.ia.data()[of.n] - 1, of.ncol))
-      store_entries<Diagonal>(of, to, path, routine, right_rows, beside, paths_watched{});
-    else
-      store_entries<Diagonal>(of, to, path, routine, right_rows, beside);
-  };
-  const auto walk = [&](const auto right_rows) {
+  const auto walk = [&](const auto right_rows, const auto... foresight) {
     if (left_columns_jump(of))
-      walk_beside(right_rows, rows_ahead<Path, decltype(right_rows)>(of, path, right_rows));
+      store_entries<Diagonal>(of, to, path, routine, right_rows,
+                              rows_ahead<Path, decltype(right_rows)>(of, path, right_rows),
+                              foresight...);
     else
-      walk_beside(right_rows, walk_alone{});
+      store_entries<Diagonal>(of, to, path, routine, right_rows, walk_alone{}, foresight...);
   };
   if (rows_of_one::are(of.ib, m2.n))
     walk(rows_of_one{});
+  else if (of.n > 0 && paths_watched::are_worth_it(of.ia.data()[of.n] - 1, of.ncol))
+    walk(rows_by_starts{of.ib.data()}, paths_watched{});
   else
     walk(rows_by_starts{of.ib.data()});
 }

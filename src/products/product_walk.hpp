@@ -82,12 +82,12 @@ struct rows_by_starts {
 // holds the position at which a column was stored; a position before the row's first is one of an
 // earlier row, so it need not be cleared either. `left` times `right` of `path` is what a path is
 // worth; `right_rows` is as `rows_by_starts`, `beside` as `walk_alone`, `foresight` as
-// `paths_foreseen`.
+// `paths_foreseen`. A function of its own, so that what its loops need stays in registers.
 template <diagonal Diagonal, class Values, class Path, class Rows, class Beside = walk_alone,
           class Foresight = paths_foreseen>
-void store_entries(const operands& of, const product<Values>& to, const Path path,
-                   std::string_view routine, const Rows right_rows, Beside beside = {},
-                   Foresight foresight = {}) {
+[[gnu::noinline]] void store_entries(const operands& of, const product<Values>& to, const Path path,
+                                     std::string_view routine, const Rows right_rows,
+                                     Beside beside = {}, Foresight foresight = {}) {
   const std::int32_t* const left_starts = of.ia.data();
   const std::int32_t* const left_columns = of.ja.data();
   const std::int32_t* const right_columns = of.jb.data();
@@ -100,47 +100,65 @@ void store_entries(const operands& of, const product<Values>& to, const Path pat
 
   if (to.ic.length() > 0) starts[0] = 1;  // fewer than 0 rows have no row start
   std::int32_t pos = 0;
-  for (std::int64_t i = 1; i <= of.n; ++i) {
-    const std::int32_t first = pos + 1;
+  std::int32_t first = 1;
+  const auto walk = [&](std::int64_t i, const auto store) {
     const std::int32_t left_end = left_starts[i];
     for (std::int32_t k = left_starts[i - 1]; k < left_end; ++k) {
       beside.before(k);
       const std::int32_t j = left_columns[k - 1];
       const auto left = path.left(k, j);
       const std::int32_t right_end = right_rows.end(j);
-      std::int32_t l = right_rows.first(j);
-      if constexpr (!Foresight::always) {
-        const std::int32_t length = right_end - l;
-        // Without a branch the slot behind the last entry is written too. Compared without a sign,
-        // so that compilers add the carry.
-        if (foresight.unforeseen(k, right_columns + (l - 1), length, mark, first) &&
-            length < room - pos) {
-          for (; l < right_end; ++l) {
-            const std::int32_t column = right_columns[l - 1];
-            if (Diagonal == diagonal::skipped && column == i) continue;
-            const std::int32_t before = mark[column - 1];
-            const bool is_new =
-                static_cast<std::uint32_t>(before) < static_cast<std::uint32_t>(first);
-            const std::int32_t at = is_new ? pos + 1 : before;
-            columns[pos] = column;
-            values.set(pos + 1, -0.0);  // to which a value is added without a change
-            mark[column - 1] = at;
-            values.add(at, left * path.right(l));
-            pos += is_new ? 1 : 0;
-          }
-        }
-      }
-      for (; l < right_end; ++l) {
+      for (std::int32_t l = right_rows.first(j); l < right_end; ++l) {
         const std::int32_t column = right_columns[l - 1];
         if (Diagonal == diagonal::skipped && column == i) continue;
-        const std::int32_t at = mark[column - 1];
-        if (at < first) {
-          mark[column - 1] = ++pos;
-          columns[pos - 1] = column;
-          values.set(pos, left * path.right(l));
-        } else {
-          values.add(at, left * path.right(l));
-        }
+        store(column, left * path.right(l));
+      }
+    }
+  };
+  const auto by_branch = [&](std::int32_t column, double worth) {
+    const std::int32_t at = mark[column - 1];
+    if (at < first) {
+      mark[column - 1] = ++pos;
+      columns[pos - 1] = column;
+      values.set(pos, worth);
+    } else {
+      values.add(at, worth);
+    }
+  };
+  for (std::int64_t i = 1; i <= of.n; ++i) {
+    first = pos + 1;
+    if constexpr (Foresight::always) {
+      walk(i, by_branch);
+    } else {
+      switch (foresight.next_row(left_starts[i] - left_starts[i - 1])) {
+        case row_walk::without_branch:
+          // The slot behind the last entry is written too, so there must be one.
+          if (of.ncol < room - pos) {
+            walk(i, [&](std::int32_t column, double worth) {
+              const std::int32_t before = mark[column - 1];
+              // Compared without a sign, so that compilers add the carry.
+              const bool is_new =
+                  static_cast<std::uint32_t>(before) < static_cast<std::uint32_t>(first);
+              const std::int32_t at = is_new ? pos + 1 : before;
+              columns[pos] = column;
+              values.set(pos + 1, -0.0);  // to which a value is added without a change
+              mark[column - 1] = at;
+              values.add(at, worth);
+              pos += is_new ? 1 : 0;
+            });
+            break;
+          }
+          [[fallthrough]];
+        case row_walk::by_branch:
+          walk(i, by_branch);
+          break;
+        case row_walk::watched:
+          walk(i, [&](std::int32_t column, double worth) {
+            foresight.see(mark[column - 1] < first);
+            by_branch(column, worth);
+          });
+          foresight.end_watched_row();
+          break;
       }
     }
     starts[i] = pos + 1;

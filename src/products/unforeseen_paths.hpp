@@ -3,7 +3,7 @@
 // as much as several paths, so they are better stored without a branch; where guesses are right, a
 // branch is half the price. A A of R-MAT graphs of 2^14 to 2^17 rows: 1.5 to 1.7 times as fast, of
 // a power network of 5300 rows 1.9 times, of a 27-point stencil whose points are shuffled within
-// 64 of them 1.25 to 1.5 times. It costs up to 5 % where nothing is gained.
+// 64 of them 1.25 to 1.5 times.
 #pragma once
 
 #include <algorithm>
@@ -13,12 +13,15 @@
 
 namespace csr_matrix_mod::products {
 
-// All paths are stored by a branch.
+enum class row_walk { by_branch, without_branch, watched };
+
+// Every row is walked by a branch.
 struct paths_foreseen {
   static constexpr bool always = true;
 };
 
-// Guesses now and then what a processor would: outcomes are looked up by those before them.
+// Watches some rows now and then, and guesses as a processor does: by what came behind the last
+// outcomes before, and by the outcomes of rows that have just been walked.
 class paths_watched {
  public:
   static constexpr bool always = false;
@@ -29,46 +32,52 @@ class paths_watched {
     return entries >= 1 << 14 && ncol <= 1 << 17;
   }
 
-  // Left entry k leads to `number` columns, which are new where `mark` is below `first`. Were
-  // guesses wrong too often of late? Asked for one entry after the other.
-  [[gnu::always_inline]] inline bool unforeseen(std::int32_t k, const std::int32_t* columns,
-                                                std::int32_t number, const std::int32_t* mark,
-                                                std::int32_t first) noexcept {
-    if (static_cast<std::uint32_t>(k) % every < watched) watch(k, columns, number, mark, first);
-    return unforeseen_;
+  // How to walk the next row, of so many left entries.
+  [[nodiscard]] row_walk next_row(std::int32_t entries) noexcept {
+    entries_ -= entries;
+    return entries_ >= 0 ? walk_ : row_walk::watched;
+  }
+
+  // A path of a watched row leads to a new column, or not.
+  void see(bool is_new) noexcept {
+    if (++row_paths_ > most_paths) return;
+    std::int32_t& guess = guesses_[history_];
+    if (is_new != (guess > 0)) ++row_wrong_;
+    guess = is_new ? std::min(guess + 1, 2) : std::max(guess - 1, -1);
+    history_ = (2 * history_ + (is_new ? 1 : 0)) % guesses_.size();
+    row_ = row_ * 0x9e3779b97f4a7c15U + (is_new ? 1 : 2);
+  }
+
+  void end_watched_row() noexcept {
+    paths_ += std::min(row_paths_, most_paths);
+    if (std::find(rows_.begin(), rows_.end(), row_) == rows_.end()) wrong_ += row_wrong_;
+    rows_[next_row_++ % rows_.size()] = row_;
+    row_ = 0;
+    row_paths_ = 0;
+    row_wrong_ = 0;
+    if (entries_ > -watched && paths_ < most_paths) return;
+    walk_ = 9 * wrong_ > paths_ ? row_walk::without_branch : row_walk::by_branch;
+    wrong_ /= 2;
+    paths_ /= 2;
+    entries_ = unwatched;
   }
 
  private:
-  static constexpr std::uint32_t every = 4096;
-  static constexpr std::uint32_t watched = 32;
-  static constexpr std::int32_t most_columns = 256;  // in the middle of a right row
-  static constexpr std::size_t histories = 1024;
+  static constexpr std::int32_t watched = 128;  // left entries
+  static constexpr std::int32_t unwatched = 8192;
+  static constexpr std::int32_t most_paths = 1 << 16;
 
-  [[gnu::noinline]] void watch(std::int32_t k, const std::int32_t* columns, std::int32_t number,
-                               const std::int32_t* mark, std::int32_t first) noexcept {
-    if (number > most_columns) {
-      columns += (number - most_columns) / 2;
-      number = most_columns;
-    }
-    for (std::int32_t l = 0; l < number; ++l) {
-      const bool is_new = mark[columns[l] - 1] < first;
-      std::int32_t& guess = guesses_[history_];
-      if (is_new != (guess > 0)) ++wrong_;
-      guess = is_new ? std::min(guess + 1, 2) : std::max(guess - 1, -1);
-      history_ = (2 * history_ + (is_new ? 1 : 0)) % histories;
-    }
-    paths_ += number;
-    if (static_cast<std::uint32_t>(k) % every != watched - 1) return;
-    unforeseen_ = 9 * wrong_ > paths_;
-    wrong_ /= 2;
-    paths_ /= 2;
-  }
-
-  std::array<std::int32_t, histories> guesses_{};  // above 0: it will be new
-  std::size_t history_ = 0;
+  row_walk walk_ = row_walk::by_branch;
+  std::int32_t entries_ = 0;  // that are left until rows are watched again
   std::int32_t paths_ = 0;
   std::int32_t wrong_ = 0;
-  bool unforeseen_ = false;
+  std::int32_t row_paths_ = 0;
+  std::int32_t row_wrong_ = 0;
+  std::uint64_t row_ = 0;  // its outcomes
+  std::size_t history_ = 0;
+  std::size_t next_row_ = 0;
+  std::array<std::uint64_t, 8> rows_{};
+  std::array<std::int32_t, 1024> guesses_{};  // above 0: it will be new
 };
 
 }  // namespace csr_matrix_mod::products
