@@ -13,9 +13,13 @@ namespace csr_matrix_mod {
 class short_rows {
  public:
   static constexpr std::int32_t longest = 16;
+  static constexpr std::int32_t longest_sum = 2 * longest;
 
-  // So many columns must be there from the first of each row on.
-  static constexpr std::int32_t columns_read = longest + 1;
+  // May a row be compared that has so many columns, of so many from its first on? Some behind it
+  // are read.
+  [[nodiscard]] static bool is_short(std::int32_t length, std::int32_t columns) noexcept {
+    return 0 <= length && length <= longest && columns > longest;
+  }
 
   // Compares the columns of `one` with those of `other`. False where one of them does not ascend.
   [[nodiscard]] bool compare(const std::int32_t* one, std::int32_t length,
@@ -65,8 +69,11 @@ class short_rows {
     lanes found{};
     lanes next = {1, 2, 3, 4};
     const lanes end = {length, length, length, length};
-    for (std::int32_t first = 0; first + 1 < length; first += width, next += width)
-      found |= (load(row + first) >= load(row + first + 1)) & (next < end);
+    for (std::int32_t first = 0; first + 1 < length; first += width, next += width) {
+      const lanes descends = load(row + first) >= load(row + first + 1);
+      const lanes inside = next < end;
+      found |= descends & inside;
+    }
     return found;
   }
 

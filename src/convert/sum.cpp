@@ -152,10 +152,9 @@ class filling {
     const std::int32_t length = one.starts[i] - 1 - from;
     const std::int32_t other_from = other.starts[i - 1] - 1;
     const std::int32_t other_length = other.starts[i] - 1 - other_from;
-    if (length < 0 || length > short_rows::longest || other_length < 0 ||
-        other_length > short_rows::longest || one.entries - from < short_rows::columns_read ||
-        other.entries - other_from < short_rows::columns_read ||
-        room_ - first < 2 * short_rows::longest)
+    if (!short_rows::is_short(length, one.entries - from) ||
+        !short_rows::is_short(other_length, other.entries - other_from) ||
+        room_ - first < short_rows::longest_sum)
       return 0;
     short_rows rows;
     if (!rows.compare(one.columns + from, length, other.columns + other_from, other_length))
