@@ -14,6 +14,7 @@
 #include <csr_matrix_mod/csr_matrix.hpp>
 
 #include <cstdint>
+#include <limits>
 #include <memory>
 #include <optional>
 #include <string>
@@ -35,7 +36,12 @@ enum class reading { lenient, strict };
 struct column_range {
   std::int32_t first;
   std::int32_t last;
+
+  [[nodiscard]] bool operator==(const column_range&) const = default;
 };
+
+inline constexpr column_range any_integer = {std::numeric_limits<std::int32_t>::min(),
+                                             std::numeric_limits<std::int32_t>::max()};
 
 // The items are asked for once each, in the order of their declaration. Each stops with
 // "NAME: PLACE: expected ..., found ...", PLACE being a line or a record.

@@ -8,7 +8,7 @@
 
 #include <csr_matrix_mod/io.hpp>
 
-#include <limits>
+#include <algorithm>
 
 namespace csr_matrix_mod {
 
@@ -29,6 +29,7 @@ class given_storage final : public entry_storage {
   // A row that ends before it begins transfers nothing, so it needs no room; records transfer all
   // entries at once.
   void make_room_for_entries(matrix_file& file, csr_matrix& mat) const override {
+    if (fits(mat)) return;
     const std::int32_t* const starts = mat.ia.data();
     for (std::int64_t i = 1; i <= mat.n; ++i) {
       if (starts[i] <= starts[i - 1]) continue;
@@ -40,10 +41,20 @@ class given_storage final : public entry_storage {
   }
 
   [[nodiscard]] column_range columns_of(const csr_matrix& /*mat*/) const override {
-    return {std::numeric_limits<std::int32_t>::min(), std::numeric_limits<std::int32_t>::max()};
+    return any_integer;
   }
 
  private:
+  // Row starts that rise from 1 or more, as nearly always, to no more than there is room for.
+  static bool fits(const csr_matrix& mat) {
+    const std::int32_t* const starts = mat.ia.data();
+    const std::int64_t room =
+        mat.type == matrix_real ? std::min(mat.ja.length(), mat.a.length()) : mat.ja.length();
+    std::int32_t falls = 0;
+    for (std::int64_t i = 1; i <= mat.n; ++i) falls |= starts[i] < starts[i - 1] ? 1 : 0;
+    return falls == 0 && starts[0] >= 1 && std::int64_t{starts[mat.n]} - 1 <= room;
+  }
+
   // Room for all entries before row start i.
   static void require_room_to(const matrix_file& file, const csr_matrix& mat, std::int64_t i) {
     const std::int64_t entries = std::int64_t{mat.ia(i)} - 1;

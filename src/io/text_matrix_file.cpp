@@ -7,7 +7,6 @@
 #include "row_lines.hpp"
 
 #include <algorithm>
-#include <limits>
 
 namespace csr_matrix_mod {
 
@@ -21,9 +20,6 @@ constexpr std::string_view an_integer = "an integer in columns 1 to 10";
 constexpr std::string_view another_integer = "an integer in columns 11 to 20";
 constexpr std::string_view a_value = "a value in columns 1 to 20";
 constexpr std::string_view end_of_file = "the end of the file";
-
-constexpr column_range any_integer = {std::numeric_limits<std::int32_t>::min(),
-                                      std::numeric_limits<std::int32_t>::max()};
 
 std::string line_place(std::int64_t number) { return "line " + std::to_string(number); }
 
