@@ -3,6 +3,7 @@
 // l of right row j. One walk counts the columns that a row reaches, one stores them.
 #pragma once
 
+#include "../support/prefetch.hpp"
 #include "../support/scratch.hpp"
 #include "unforeseen_paths.hpp"
 
@@ -76,6 +77,9 @@ struct rows_by_starts {
 
   [[nodiscard]] std::int32_t first(std::int32_t j) const { return starts[j - 1]; }
   [[nodiscard]] std::int32_t end(std::int32_t j) const { return starts[j]; }
+  [[gnu::always_inline]] inline void ask_for(std::int32_t j) const {
+    prefetch_for_reading(starts + (j - 1));
+  }
 };
 
 // Stores the entries of the product in the order in which paths first lead to them. The marker

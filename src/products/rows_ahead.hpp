@@ -7,7 +7,6 @@
 #include "product_walk.hpp"
 
 #include <cstdint>
-#include <type_traits>
 
 namespace csr_matrix_mod::products {
 
@@ -32,8 +31,7 @@ class rows_ahead : public walk_alone {
 
   [[gnu::always_inline]] inline void before(std::int32_t k) const {
     if (k > last_) return;
-    if constexpr (std::is_same_v<Rows, rows_by_starts>)
-      prefetch_for_reading(right_rows_.starts + (left_columns_[k + starts_ahead - 1] - 1));
+    right_rows_.ask_for(left_columns_[k + starts_ahead - 1]);
     const std::int32_t j = left_columns_[k + entries_ahead - 1];
     const std::int32_t first = right_rows_.first(j);
     const std::int32_t last = right_rows_.end(j) - 1;

@@ -22,6 +22,7 @@ struct rows_of_one {
 
   [[nodiscard]] std::int32_t first(std::int32_t j) const { return j; }
   [[nodiscard]] std::int32_t end(std::int32_t j) const { return j + 1; }
+  void ask_for(std::int32_t) const {}
 };
 
 }  // namespace csr_matrix_mod::products
