@@ -6,6 +6,7 @@
 #include "../support/scratch.hpp"
 #include "product_walk.hpp"
 #include "side_by_side.hpp"
+#include "spread_rows.hpp"
 
 #include <algorithm>
 #include <array>
@@ -21,13 +22,15 @@ struct row_pattern {
   std::int32_t width;           // entries of the row of the product
   std::int32_t right_elements;  // of all bands
 
-  std::int32_t* left_columns;   // entry by entry
-  std::int32_t* right_lengths;  // entry by entry
-  std::int32_t* right_columns;  // path by path
-  std::int32_t* places;         // path by path; `width` for a path that is skipped
-  std::int32_t* columns;        // place by place, of 16 rows
-  std::int32_t* ends;           // place by place, behind its last term
-  std::int32_t* terms;          // as `side_by_side` has them
+  std::int32_t* left_columns;    // entry by entry
+  std::int32_t* right_lengths;   // entry by entry
+  std::int32_t* right_columns;   // path by path
+  std::int32_t* places;          // path by path; `width` for a path that is skipped
+  std::int32_t* columns;         // place by place, of 16 rows
+  std::int32_t* ends;            // place by place, behind its last term
+  std::int32_t* terms;           // as `side_by_side` has them
+  spread_step* steps;            // as `spread_kernel` has them
+  std::int32_t number_of_steps;  // 0 where rows cannot be spread
 
   // Left entries with columns that follow each other lead to a band of right rows. Calls back with
   // the first entry of each and the one behind its last, how many right rows there are where 16
@@ -51,8 +54,10 @@ struct row_pattern {
 // The patterns that a product has met last.
 class row_patterns {
  public:
-  explicit row_patterns(const operands& of) noexcept
-      : left_starts_(of.ia.data()),
+  // `spread` where there is a `spread_kernel` to be fed.
+  row_patterns(const operands& of, bool spread) noexcept
+      : spread_(spread),
+        left_starts_(of.ia.data()),
         left_columns_(of.ja.data()),
         right_starts_(of.ib.data()),
         right_columns_(of.jb.data()) {}
@@ -83,6 +88,7 @@ class row_patterns {
       }
     }
     sort_terms(*to);
+    to->number_of_steps = spread_ && width <= widest_spread ? write_steps(*to) : 0;
     return to;
   }
 
@@ -98,6 +104,7 @@ class row_patterns {
   static constexpr std::int32_t most_paths = 1024;
   static constexpr std::int32_t most_patterns = 16;
   static constexpr std::int64_t least_room = 8192;  // that of stencils of 5 or 7 points
+  static constexpr std::int64_t integers_a_step = sizeof(spread_step) / sizeof(std::int32_t);
 
   // A pattern of the size of row i. There is room for 8 of the largest yet; when it is used up, all
   // patterns are forgotten.
@@ -110,8 +117,11 @@ class row_patterns {
       paths += right_starts_[j] - right_starts_[j - 1];
     }
     if (entries > most_paths || paths > most_paths) return nullptr;
-    const std::int64_t wanted =
-        2 * std::int64_t{entries} + 4 * paths + (rows_at_once + 1) * std::int64_t{width};
+    const std::int64_t steps =
+        spread_ && width <= widest_spread ? entries + paths / places_at_once : 0;
+    const std::int64_t wanted = 2 * std::int64_t{entries} + 4 * paths +
+                                (rows_at_once + 1) * std::int64_t{width} + steps * integers_a_step +
+                                1;
     if (room_.length() < 8 * wanted) {
       number_ = 0;
       if (!room_.allocate(std::max(8 * wanted, least_room), contents::undefined)) return nullptr;
@@ -133,7 +143,32 @@ class row_patterns {
     to.columns = next(rows_at_once * std::int64_t{width});
     to.ends = next(width);
     to.terms = next(2 * paths);
+    used_ += used_ % 2;  // where elements of 8 bytes may begin
+    to.steps = reinterpret_cast<spread_step*>(next(steps * integers_a_step));
     return &to;
+  }
+
+  // The steps of each entry, 8 elements a step. How many; 0 where two elements of one step lead to
+  // one place, as columns that are repeated do, or there is none.
+  static std::int32_t write_steps(row_pattern& to) noexcept {
+    std::int32_t number = 0;
+    std::int32_t path = 0;
+    for (std::int32_t k = 0; k < to.entries; ++k) {
+      for (std::int32_t l = 0; l < to.right_lengths[k]; ++l, ++path) {
+        if (l % places_at_once == 0)
+          to.steps[number++] = {k, to.left_columns[k], to.right_lengths[k], l, {}, {}};
+        const std::int32_t place = to.places[path];
+        if (place == to.width) continue;
+        spread_step& step = to.steps[number - 1];
+        const auto part = static_cast<std::size_t>(place / places_at_once);
+        const auto lane = static_cast<std::uint32_t>(place % places_at_once);
+        const std::uint64_t bit = std::uint64_t{1} << lane;
+        if ((step.reached[part] & bit) != 0) return 0;
+        step.reached[part] |= bit;
+        step.elements[part] |= static_cast<std::uint64_t>(l % places_at_once) << (8 * lane);
+      }
+    }
+    return number;
   }
 
   // The terms of each place, which are its paths in their order.
@@ -178,6 +213,7 @@ class row_patterns {
     return true;
   }
 
+  bool spread_;
   const std::int32_t* left_starts_;
   const std::int32_t* left_columns_;
   const std::int32_t* right_starts_;
