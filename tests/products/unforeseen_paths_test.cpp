@@ -1,0 +1,93 @@
+// SPDX-License-Identifier: MIT
+// When rows of a product are walked without a branch. No result depends on it, so that nothing else
+// would notice.
+#include "../../src/products/unforeseen_paths.hpp"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <functional>
+#include <random>
+
+using namespace csr_matrix_mod::products;
+
+namespace {
+
+constexpr std::int32_t entries_a_row = 10;
+constexpr int paths_a_row = 50;
+
+// Walks so many rows, of which path p of row i leads to a new column where `is_new(i, p)`. How the
+// last row was walked that was not watched.
+row_walk walked(paths_watched& rows, int number,
+                const std::function<bool(int row, int path)>& is_new, int paths = paths_a_row) {
+  row_walk last = row_walk::watched;
+  for (int i = 0; i < number; ++i) {
+    const row_walk walk = rows.next_row(entries_a_row);
+    if (walk != row_walk::watched) {
+      last = walk;
+      continue;
+    }
+    for (int p = 0; p < paths; ++p) rows.see(is_new(i, p));
+    rows.end_watched_row();
+  }
+  return last;
+}
+
+bool always(int /*row*/, int /*path*/) { return true; }
+
+class UnforeseenPaths : public testing::Test {
+ protected:
+  std::function<bool(int, int)> at_random() {
+    return [this](int, int) { return (random() & 1U) != 0; };
+  }
+
+  std::mt19937 random;  // NOLINT(cert-msc51-cpp): the same numbers every time
+  paths_watched rows;
+};
+
+TEST_F(UnforeseenPaths, AreNotThoseThatAllLeadToNewColumns) {
+  EXPECT_EQ(walked(rows, 100, always), row_walk::by_branch);
+}
+
+TEST_F(UnforeseenPaths, AreNotThoseWithOutcomesInTurn) {
+  EXPECT_EQ(walked(rows, 5000, [](int, int p) { return p % 3 == 0; }), row_walk::by_branch);
+}
+
+TEST_F(UnforeseenPaths, AreNotThoseOfRowsThatRepeatOneOfTheRowsBefore) {
+  EXPECT_EQ(walked(rows, 5000, [](int i, int p) { return (p * p + i % 2 * p) % 7 < 3; }),
+            row_walk::by_branch);
+}
+
+TEST_F(UnforeseenPaths, AreThoseWithOutcomesAtRandom) {
+  EXPECT_EQ(walked(rows, 100, at_random()), row_walk::without_branch);
+}
+
+TEST_F(UnforeseenPaths, AreThoseOfRowsSoLongThatTheyAreSeenInPart) {
+  EXPECT_EQ(walked(rows, 5, at_random(), 100000), row_walk::without_branch);
+}
+
+TEST_F(UnforeseenPaths, AreWatchedAgain) {
+  EXPECT_EQ(walked(rows, 2000, always), row_walk::by_branch);
+  EXPECT_EQ(walked(rows, 5000, at_random()), row_walk::without_branch);
+  EXPECT_EQ(walked(rows, 10000, always), row_walk::by_branch);
+}
+
+TEST_F(UnforeseenPaths, AreWatchedInOneRowOfManyOnly) {
+  int watched = 0;
+  for (int i = 0; i < 100000; ++i)
+    if (rows.next_row(entries_a_row) == row_walk::watched) {
+      ++watched;
+      for (int p = 0; p < paths_a_row; ++p) rows.see(true);
+      rows.end_watched_row();
+    }
+  EXPECT_GT(watched, 100);
+  EXPECT_LT(watched, 2500);
+}
+
+TEST_F(UnforeseenPaths, AreLookedForInProductsOfSomeSizeWhoseMarkerIsNotTooLarge) {
+  EXPECT_FALSE(paths_watched::are_worth_it(1000, 1000));
+  EXPECT_TRUE(paths_watched::are_worth_it(100000, 1000));
+  EXPECT_FALSE(paths_watched::are_worth_it(100000, 1000000));
+}
+
+}  // namespace
