@@ -31,13 +31,14 @@ class entries_ahead {
   [[gnu::always_inline]] inline void visit(std::int32_t first, std::int32_t end,
                                            const Visit& visit) const {
     std::int32_t k = first;
-    const std::int64_t length = std::int64_t{end} - first;
-    if (length <= a_line) ask(k);
-    if (length > a_line)
+    if (std::int64_t{end} - first > a_line) {
       for (; end - k > a_line; k += a_line) {
         ask(k);
         visit_all<a_line>(k, visit);
       }
+    } else {
+      ask(k);
+    }
     switch (std::int64_t{end} - k) {
       case 1:
         return visit_all<1>(k, visit);
