@@ -242,8 +242,9 @@ TEST(Sum, AddsRowsWithTheSameColumnsAndRowsThatDifferInOnePlace) {
   }
 }
 
-// Every pair of lengths around that of short rows, with columns of which many, few or none are those
-// of the other row, up to the last row and the last slot there is; values as above.
+// Every pair of lengths around that of short rows, with columns of which many, few or none are
+// those of the other row, up to the last row and the last slot there is, with room for more entries
+// than there are and without; values as above.
 TEST(Sum, AddsShortRowsThatShareSomeColumns) {
   constexpr std::int32_t m = 200;
   for (const std::int32_t step : {1, 2, 3, 7}) {
@@ -258,19 +259,42 @@ TEST(Sum, AddsShortRowsThatShareSomeColumns) {
         for (std::int32_t k = 0; k < other; ++k)
           row2.push_back({1 + step * k + length % 2, k % 5 == 0 ? -0.0 : 1e15 - 0.3 * k});
       }
-    for (std::size_t rows = 0; rows <= rows1.size(); rows += 19) {
-      rows1.resize(rows1.size() - (rows == 0 ? 0 : 19));
+    for (; rows1.size() > 8; rows1.resize(rows1.size() - 8)) {
       rows2.resize(rows1.size());
       const csr_matrix mat1 = real_matrix(m, rows1);
       const csr_matrix mat2 = real_matrix(m, rows2);
+      const entry_rows expected = tests::dense::sum(rows1, rows2, m);
       csr_matrix mat3;
       observe([&] { csr_matrix_sum(mat1, mat2, mat3); });
-      EXPECT_EQ(entries_of(mat3), tests::dense::sum(rows1, rows2, m));
+      EXPECT_EQ(entries_of(mat3), expected);
+      csr_matrix exact;
+      const tests::refuse_allocation refuse(room_for_both);
+      observe([&] { csr_matrix_sum(mat1, mat2, exact); });
+      EXPECT_EQ(entries_of(exact), expected);
       csr_matrix bare;
       observe([&] { csr_matrix_sum(pattern(m, columns_of(rows1)), mat2, bare); });
-      EXPECT_EQ(columns_of(bare), columns_of(entries_of(mat3)));
+      EXPECT_EQ(columns_of(bare), columns_of(expected));
     }
   }
+}
+
+// The last row is one entry of the sum, so that there is no slot to spare behind the first.
+TEST(Sum, AddsAShortRowThatFillsTheRoomThereIs) {
+  entry_rows rows1(2);
+  entry_rows rows2(2);
+  for (std::int32_t k = 1; k <= 13; ++k) {
+    rows1[0].push_back({2 * k, 1.0 * k});
+    rows2[0].push_back({2 * k + 1, -1.0 * k});
+    rows1[1].push_back({1, 0.5});
+    rows2[1].push_back({1, 0.25});
+  }
+  const csr_matrix mat1 = real_matrix(30, rows1);
+  const csr_matrix mat2 = real_matrix(30, rows2);
+  csr_matrix mat3;
+  const tests::refuse_allocation refuse(room_for_both);
+  expect_silent([&] { csr_matrix_sum(mat1, mat2, mat3); });
+  EXPECT_EQ(entries_of(mat3), tests::dense::sum(rows1, rows2, 30));
+  EXPECT_EQ(mat3.a.length(), 27);
 }
 
 // A value that meets nothing keeps its bits, those of a NaN included.

@@ -28,8 +28,11 @@ csr_matrix random_matrix(std::int32_t n, std::int32_t m, std::uint64_t seed,
   entry_rows rows(static_cast<std::size_t>(n));
   for (std::size_t i = 0; i < rows.size(); ++i) {
     const std::int32_t length = draw(16);
-    for (std::int32_t t = 0; t < length; ++t)
-      rows[i].push_back({draw(i < narrow ? 2 : m) + 1, (draw(1 << 20) - (1 << 19)) / 3.0});
+    for (std::int32_t t = 0; t < length; ++t) {
+      const std::int32_t column = draw(i < narrow ? 2 : m) + 1;
+      const std::int32_t drawn = draw(1 << 20) - (1 << 19);
+      rows[i].push_back({column, drawn % 4 == 0 ? -0.0 : drawn / 3.0});
+    }
   }
   return real_matrix(m, rows);
 }
