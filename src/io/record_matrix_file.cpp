@@ -41,17 +41,15 @@ class record_matrix_file final : public matrix_file {
     const std::int64_t nnz = entries(mat);
     read(mat.ja.data(), nnz * integer_bytes);
     if (within == any_integer) return;
+    const auto outside = [&](std::int32_t j) { return j < within.first || j > within.last; };
     const std::int32_t* const columns = mat.ja.data();
-    std::int32_t outside = 0;  // counted in vector registers, as nearly always none is
-    for (std::int64_t k = 0; k < nnz; ++k)
-      outside |= columns[k] < within.first || columns[k] > within.last ? 1 : 0;
-    if (outside == 0) return;
-    const std::int32_t* const found = std::find_if(columns, columns + nnz, [&](std::int32_t j) {
-      return j < within.first || j > within.last;
-    });
-    refuse("record 4, item " + std::to_string(found - columns + 1),
+    std::int32_t found = 0;  // in vector registers, as nearly always none is
+    for (std::int64_t k = 0; k < nnz; ++k) found |= outside(columns[k]) ? 1 : 0;
+    if (found == 0) return;
+    const std::int32_t* const first = std::find_if(columns, columns + nnz, outside);
+    refuse("record 4, item " + std::to_string(first - columns + 1),
            "a column from " + std::to_string(within.first) + " to " + std::to_string(within.last),
-           std::to_string(*found));
+           std::to_string(*first));
   }
 
   void read_values(csr_matrix& mat) override {

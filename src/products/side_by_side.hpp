@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Rows of sums side by side in vector registers: one row a lane, so that each sum takes its terms
 // in their order and no bit depends on how wide the registers are. A A for the 27-point stencil:
-// 1.2 times as fast with 32 bytes as with 16, 1.27 times with 64; for the 5-point one 1.1 and 1.2
-// times.
+// 1.1 to 1.2 times as fast with 32 bytes as with 16, 1.2 to 1.3 times with 64; for the 5-point one
+// 1.1 times with 32.
 #pragma once
 
 #include <cstdint>

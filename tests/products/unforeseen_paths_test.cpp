@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <functional>
 #include <random>
+#include <vector>
 
 using namespace csr_matrix_mod::products;
 
@@ -53,9 +54,15 @@ TEST_F(UnforeseenPaths, AreNotThoseWithOutcomesInTurn) {
   EXPECT_EQ(walked(rows, 5000, [](int, int p) { return p % 3 == 0; }), row_walk::by_branch);
 }
 
+// Far more outcomes than the last ones tell apart.
 TEST_F(UnforeseenPaths, AreNotThoseOfRowsThatRepeatOneOfTheRowsBefore) {
-  EXPECT_EQ(walked(rows, 5000, [](int i, int p) { return (p * p + i % 2 * p) % 7 < 3; }),
-            row_walk::by_branch);
+  constexpr int paths = 4000;
+  std::vector<bool> drawn;
+  for (int p = 0; p < 2 * paths; ++p) drawn.push_back((random() & 1U) != 0);
+  const auto of_two_kinds = [&](int i, int p) {
+    return drawn[static_cast<std::size_t>(i % 2 * paths + p)];
+  };
+  EXPECT_EQ(walked(rows, 20000, of_two_kinds, paths), row_walk::by_branch);
 }
 
 TEST_F(UnforeseenPaths, AreThoseWithOutcomesAtRandom) {
