@@ -727,6 +727,24 @@ TEST(ShortageOfARow, LeavesTheRowAsItWas) {
     }
 }
 
+// A repeated column makes more classes than there are columns.
+TEST(ShortageOfClasses, LeavesTheMatrixAndTheWeightsAsTheyWere) {
+  const tests::column_rows rows{{1, 1}, {1}, {2}, {1, 1}, {1}};
+  int k = 0;
+  for (;; ++k) {
+    csr_matrix mat = tests::pattern(3, rows);
+    std::vector<std::int32_t> weight{10, 20, 30};
+    const auto seen =
+        tests::with_shortage(k, tests::duration::once, [&] { csr_matrix_condense(mat, weight); });
+    EXPECT_FALSE(seen.threw);
+    if (!seen.reached || seen.stop != "allocation error in csr_matrix_condense") break;
+    EXPECT_EQ(tests::columns_of(mat), rows);
+    EXPECT_EQ(mat.m, 3);
+    EXPECT_EQ(weight, (std::vector<std::int32_t>{10, 20, 30}));
+  }
+  EXPECT_EQ(k, 5);  // columns, classes, more of them, numbers, weights; then the matrix is cut
+}
+
 // What is returned as text is a std::string, which tells of a shortage as it always does.
 TEST(ShortageOfText, IsThatOfAString) {
   const csr_matrix bad = tests::pattern(2, {{1}, {2, 3}});
