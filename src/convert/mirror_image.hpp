@@ -3,9 +3,10 @@
 // itself.
 #pragma once
 
+#include "row_starts.hpp"
+
 #include <csr_matrix_mod/csr_matrix.hpp>
 
-#include <algorithm>
 #include <cstdint>
 
 namespace csr_matrix_mod {
@@ -13,7 +14,7 @@ namespace csr_matrix_mod {
 // Could the pattern be symmetric: as many columns as rows, which follow each other, and entries?
 [[nodiscard]] inline bool may_be_its_own_mirror_image(const csr_matrix& mat, std::int32_t columns) {
   if (mat.n < 1 || mat.n != columns || csr_matrix_num_nz(mat) < 1) return false;
-  return mat.ia(1) == 1 && std::is_sorted(mat.ia.data(), mat.ia.data() + mat.n + 1);
+  return mat.ia(1) == 1 && rows_follow(mat);
 }
 
 // Is the pattern symmetric, with rows that ascend?

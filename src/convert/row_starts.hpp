@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The second step of a counting sort: from the number of entries of each row to the row starts.
+// Row starts: whether rows follow each other, and the second step of a counting sort, from the
+// number of entries of each row to the row starts.
 #pragma once
 
 #include "../support/scratch.hpp"
@@ -9,6 +10,15 @@
 #include <cstdint>
 
 namespace csr_matrix_mod {
+
+// Does each row start where the one before it ends, or behind? Then its entries are those from the
+// first row start to the last, whatever the rows. Rows that share storage do not follow.
+[[nodiscard]] inline bool rows_follow(const csr_matrix& mat) {
+  const std::int32_t* const starts = mat.ia.data();
+  std::int32_t falls = 0;
+  for (std::int64_t i = 1; i <= mat.n; ++i) falls |= starts[i] < starts[i - 1] ? 1 : 0;
+  return falls == 0;
+}
 
 // `count` holds the entries of each row of `mat` and becomes the position of the row's first entry,
 // ready to be the cursor of a fill. A record of fewer than 0 rows has no row start to write.
