@@ -8,12 +8,14 @@
 #include "rows_ahead.hpp"
 #include "rows_of_one.hpp"
 #include "shifted_rows.hpp"
+#include "twin_rows.hpp"
 #include "unforeseen_paths.hpp"
 
 #include <csr_matrix_mod/csr_matrix.hpp>
 
 #include <cstdint>
 #include <string_view>
+#include <utility>
 
 namespace csr_matrix_mod::products {
 
@@ -58,6 +60,12 @@ void fill_product(const csr_matrix& m1, const csr_matrix& m2, std::int32_t ncol,
     return store_entries<Diagonal>(
         of, to, path, routine, rows_by_starts{of.ib.data()},
         repeated_rows<Diagonal, Values, Path>(of, to, path, found.left(), found.right(), m2.n));
+  if constexpr (Diagonal == diagonal::kept && Values::stored && Path::multiplies_values) {
+    twin_rows twins(of, m2.n, path.a, path.b, m3.ia.data(), m3.ja.data(), m3.a.data());
+    if (twins.look())
+      return store_entries<Diagonal>(of, to, path, routine, rows_by_starts{of.ib.data()},
+                                     std::move(twins));
+  }
   const auto walk = [&](const auto right_rows, const auto... foresight) {
     if (left_columns_jump(of))
       store_entries<Diagonal>(of, to, path, routine, right_rows,

@@ -61,10 +61,12 @@ struct product {
   Values values;
 };
 
-// What may be done beside a walk, and is not: something before left entry k, and rows after row i
-// that need not be walked, of which the number is returned.
+// What may be done beside a walk, and is not: something before left entry k, row i and those after
+// it stored in another way, and rows after row i that need not be walked. Of rows the number is
+// returned.
 struct walk_alone {
   void before(std::int32_t) const noexcept {}
+  std::int32_t instead(std::int64_t, std::int32_t&, std::int32_t*) const noexcept { return 0; }
   std::int32_t after(std::int64_t, std::int32_t, std::int32_t&,
                      const std::int32_t*) const noexcept {
     return 0;
@@ -130,6 +132,10 @@ template <diagonal Diagonal, class Values, class Path, class Rows, class Beside 
     }
   };
   for (std::int64_t i = 1; i <= of.n; ++i) {
+    if (const std::int32_t stored = beside.instead(i, pos, mark); stored > 0) {
+      i += stored - 1;
+      continue;
+    }
     first = pos + 1;
     if constexpr (Foresight::always) {
       walk(i, by_branch);

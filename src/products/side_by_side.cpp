@@ -12,12 +12,6 @@ namespace csr_matrix_mod::products {
 
 namespace {
 
-// GCC 12 takes the attribute of an alias that depends on a template's argument for none.
-template <std::size_t Bytes>
-struct vector_of {
-  typedef double type __attribute__((vector_size(Bytes)));  // NOLINT(modernize-use-using)
-};
-
 // Each body below is inlined into one function for every width of registers. Vectors are loaded
 // and stored by memcpy, which needs no alignment, and never passed: how they are passed depends on
 // the width.
@@ -25,7 +19,7 @@ struct vector_of {
 // Tiles of 2 by 2.
 [[gnu::always_inline]] inline void turn_tile_of_2(const double* rows, std::int64_t width,
                                                   double* out, std::int64_t stride) {
-  using lanes = vector_of<16>::type;
+  using lanes = detail::vector_of<16>::type;
   lanes a;
   lanes b;
   std::memcpy(&a, rows, sizeof a);
@@ -39,7 +33,7 @@ struct vector_of {
 // Tiles of 4 by 4.
 [[gnu::always_inline]] inline void turn_tile_of_4(const double* rows, std::int64_t width,
                                                   double* out, std::int64_t stride) {
-  using lanes = vector_of<32>::type;
+  using lanes = detail::vector_of<32>::type;
   lanes a;
   lanes b;
   lanes c;
@@ -92,7 +86,7 @@ template <std::size_t Bytes>
 [[gnu::always_inline]] inline void sum(const std::int32_t* terms, const std::int32_t* ends,
                                        std::int32_t width, const double* left, const double* right,
                                        double* sums) {
-  using lanes = typename vector_of<Bytes>::type;
+  using lanes = typename detail::vector_of<Bytes>::type;
   static_assert(sizeof(lanes) == Bytes);
   constexpr std::size_t wide = Bytes / sizeof(double);
   constexpr std::size_t parts = rows_at_once / wide;

@@ -3,6 +3,7 @@
 // wider ones than every machine has stands beside the same for those of 16 bytes.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 
@@ -14,6 +15,13 @@
 #endif
 
 namespace csr_matrix_mod::detail {
+
+// A vector of doubles. GCC 12 takes the attribute of an alias that depends on a template's argument
+// for none.
+template <std::size_t Bytes>
+struct vector_of {
+  typedef double type __attribute__((vector_size(Bytes)));  // NOLINT(modernize-use-using)
+};
 
 enum class registers : std::uint8_t { of_16_bytes, of_32_bytes, of_64_bytes };
 
