@@ -37,7 +37,7 @@ class look_ahead {
 
  private:
   static constexpr std::int32_t distance = 16;
-  static constexpr std::int32_t fits_the_cache = 1 << 17;
+  static constexpr std::int32_t fits_the_cache = 1 << 18;
 
   const std::int32_t* rows_;
   const std::int32_t* cursor_;

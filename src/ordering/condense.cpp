@@ -93,7 +93,7 @@ class column_partition {
   }
 
   // Adds the weight of every column to that of its class; sums wrap at 32 bits.
-  void add_weights(const std::int32_t* column_weight, std::int32_t* class_weight) {
+  void add_weights(const std::int32_t* column_weight, std::int32_t* class_weight) const {
     for (const column& of : columns_) {
       const std::int32_t weight = *column_weight++;
       if (of.cl == dropped) continue;

@@ -44,6 +44,8 @@ class scratch {
   [[nodiscard]] const T* data() const noexcept { return storage_.get(); }
   [[nodiscard]] T* begin() noexcept { return data(); }
   [[nodiscard]] T* end() noexcept { return data() + length(); }
+  [[nodiscard]] const T* begin() const noexcept { return data(); }
+  [[nodiscard]] const T* end() const noexcept { return data() + length(); }
   [[nodiscard]] std::int64_t length() const noexcept { return storage_ != nullptr ? length_ : 0; }
 
  private:
