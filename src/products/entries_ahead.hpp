@@ -27,8 +27,8 @@ class entries_ahead {
   entries_ahead(const csr_matrix& mat, const double* values)
       : columns_(mat.ja.data()), values_(values), last_(last_worth_it(mat.ja.length())) {}
 
-  // Visits the positions from `first` on up to, but without, `end`. Entries are asked for eight at a
-  // time.
+  // Visits the positions from `first` on up to, but without, `end`. Entries are asked for eight at
+  // a time.
   template <class Visit>
   [[gnu::always_inline]] inline void visit(std::int32_t first, std::int32_t end,
                                            const Visit& visit) const {

@@ -217,15 +217,15 @@ void expect_sorted_one_by_one(std::int32_t m, const entry_rows& rows) {
   EXPECT_EQ(columns_of(bare), columns_of(expected));
 }
 
-// Rows of every length from 0 to 299, in the order of a multiplicative walk. All columns of a row
-// are different if there are 4e8, which differ in every byte; some, most or all are the same if
-// there are 150, 7 or 1.
+// Rows of every length from 0 to 299 and some longer ones, in the order of a multiplicative walk.
+// All columns of a row are different if there are 4e8, which differ in every byte; some, most or
+// all are the same if there are 150, 7 or 1.
 TEST(Sort, OrdersRowsOfEveryLengthAsOneByOne) {
   for (const std::int32_t m : {400000000, 150, 7, 1}) {
     entry_rows rows;
     std::int64_t walk = 1;
-    for (std::size_t length = 0; length < 300; ++length) {
-      auto& row = rows.emplace_back(length);
+    for (std::size_t length = 0; length < 304; ++length) {
+      auto& row = rows.emplace_back(length < 300 ? length : 1000 * (length - 299));
       for (entry& e : row) {
         walk = walk * 48271 % 2147483647;
         e = {static_cast<std::int32_t>(walk % m) + 1, 1e-3 * static_cast<double>(walk % 99991)};
