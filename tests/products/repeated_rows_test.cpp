@@ -148,10 +148,10 @@ csr_matrix grid(std::int32_t width, std::int32_t height, std::int32_t depth, boo
   return real_matrix(width * height * depth, rows);
 }
 
-// 15 * 15 paths a row are written down, 33 * 33 are more than there is room for.
+// 33 * 33 paths a row are written down, 141 * 141 are more than there is room for.
 TEST(RepeatedRows, AreWalkedWhereTheyHaveTooManyPaths) {
-  expect_square_of_the_passes(real_matrix(300, band(300, 7, 1.0)));
   expect_square_of_the_passes(real_matrix(300, band(300, 16, 1.0)));
+  expect_square_of_the_passes(real_matrix(300, band(300, 70, 1.0)));
 }
 
 // Grids whose lines have every length around 16 rows at a time, in two and three dimensions: rims
