@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The sum of two matrices, row by row, with a column marker. The sum and the off-diagonal pattern
 // differ only in the rule for an entry.
+#include "../csr_matrix/ascending_rows.hpp"
 #include "../csr_matrix/one_pass.hpp"
 #include "../support/entry_count.hpp"
 #include "../support/scratch.hpp"
@@ -88,10 +89,47 @@ class filling {
   std::int32_t fill_row(const operand& one, const operand& other, std::int32_t i,
                         std::int32_t first) const {
     if constexpr (Rule::looks_at_rows) {
-      if (equal_rows(one, other, i)) return add_equal_rows(one, other, i, first);
+      if (are_equal(one, other, i, i)) return add_equal(one, other, i, i, first);
       if (const std::int32_t next = add_short_rows(one, other, i, first); next > 0) return next;
     }
     return add_row(other, i, first, add_row(one, i, first, first));
+  }
+
+  // Have both operands the same columns in rows i to `last`, ascending and hence each once? Rows
+  // that differ mostly do so in their first column or their length.
+  static bool are_equal(const operand& one, const operand& other, std::int64_t i,
+                        std::int64_t last) {
+    const std::int32_t from = one.starts[i - 1] - 1;
+    const std::int32_t other_from = other.starts[i - 1] - 1;
+    const std::int32_t length = one.starts[last] - 1 - from;
+    if (length < 1 || other.starts[last] - 1 - other_from != length) return false;
+    const std::int32_t* const columns = one.columns + from;
+    const std::int32_t* const others = other.columns + other_from;
+    if (columns[0] != others[0]) return false;
+    std::int32_t differences = 0;
+    for (std::int64_t row = i; row < last; ++row)
+      differences |= (one.starts[row] - from) ^ (other.starts[row] - other_from);
+    std::int32_t steps = 0;
+    for (std::int32_t k = 1; k < length; ++k) {
+      differences |= columns[k] ^ others[k];
+      steps += columns[k - 1] < columns[k] ? 0 : 1;
+    }
+    return differences == 0 && steps == steps_between_rows(one.starts, one.columns, i, last);
+  }
+
+  // Such rows need no marker, and are copied and added up as one. Where all rows are such, 1.2 to 2
+  // times as fast as row by row.
+  std::int32_t add_equal(const operand& one, const operand& other, std::int64_t i,
+                         std::int64_t last, std::int32_t first) const {
+    const std::int32_t from = one.starts[i - 1] - 1;
+    const std::int32_t length = one.starts[last] - 1 - from;
+    std::copy_n(one.columns + from, length, columns_ + (first - 1));
+    if (values_ == nullptr) return first + length;
+    const double* const values = one.values + from;
+    const double* const others = other.values + (other.starts[i - 1] - 1);
+    double* __restrict const sums = values_ + (first - 1);
+    for (std::int32_t k = 0; k < length; ++k) sums[k] = values[k] + others[k];
+    return first + length;
   }
 
  private:
@@ -113,35 +151,6 @@ class filling {
       }
     }
     return p;
-  }
-
-  // Do both operands have the same columns in row i, ascending and hence each once? Rows that
-  // differ mostly do so in their first column or their length.
-  static bool equal_rows(const operand& one, const operand& other, std::int32_t i) {
-    const std::int32_t length = one.starts[i] - one.starts[i - 1];
-    if (length < 1 || other.starts[i] - other.starts[i - 1] != length) return false;
-    const std::int32_t* const columns = one.columns + (one.starts[i - 1] - 1);
-    const std::int32_t* const others = other.columns + (other.starts[i - 1] - 1);
-    if (columns[0] != others[0]) return false;
-    std::int32_t differences = 0;
-    for (std::int32_t k = 1; k < length; ++k)
-      differences |= (columns[k] ^ others[k]) | (columns[k - 1] < columns[k] ? 0 : 1);
-    return differences == 0;
-  }
-
-  // Such rows need no marker, and vector registers hold several of their entries: 1.1 to 1.2 times
-  // as fast in fresh memory, 1.4 in recycled memory for 27 points a row.
-  std::int32_t add_equal_rows(const operand& one, const operand& other, std::int32_t i,
-                              std::int32_t first) const {
-    const std::int32_t from = one.starts[i - 1] - 1;
-    const std::int32_t length = one.starts[i] - one.starts[i - 1];
-    std::copy_n(one.columns + from, length, columns_ + (first - 1));
-    if (values_ == nullptr) return first + length;
-    const double* const values = one.values + from;
-    const double* const others = other.values + (other.starts[i - 1] - 1);
-    double* __restrict const sums = values_ + (first - 1);
-    for (std::int32_t k = 0; k < length; ++k) sums[k] = values[k] + others[k];
-    return first + length;
   }
 
   // Rows that need no marker either; 0 where they are not such. What is read and written behind
@@ -221,10 +230,18 @@ template <class Rule>
 void fill_rows(const operand first, const operand second, csr_matrix& sum, std::int32_t* mark) {
   const filling<Rule> rows(sum, mark);
   std::int32_t* const starts = sum.ia.data();
-  const std::int32_t n = sum.n;
-  for (std::int64_t row = 1; row <= n; ++row) {
-    const auto i = static_cast<std::int32_t>(row);
-    starts[i] = rows.fill_row(first, second, i, starts[i - 1]);
+  const std::int64_t n = sum.n;
+  constexpr std::int64_t at_a_time = Rule::looks_at_rows ? 16 : 1;
+  for (std::int64_t i = 1; i <= n; i += at_a_time) {
+    const std::int64_t last = std::min(i + at_a_time - 1, n);
+    if (Rule::looks_at_rows && rows.are_equal(first, second, i, last)) {
+      rows.add_equal(first, second, i, last, starts[i - 1]);
+      const std::int32_t moved = starts[i - 1] - first.starts[i - 1];
+      for (std::int64_t row = i; row <= last; ++row) starts[row] = first.starts[row] + moved;
+      continue;
+    }
+    for (std::int64_t row = i; row <= last; ++row)
+      starts[row] = rows.fill_row(first, second, static_cast<std::int32_t>(row), starts[row - 1]);
   }
 }
 

@@ -2,7 +2,7 @@
 // Repeated columns merged without sorting: the first occurrence keeps its place.
 #include "../support/scratch.hpp"
 #include "../support/stop.hpp"
-#include "ascending_rows.hpp"
+#include "../csr_matrix/ascending_rows.hpp"
 
 #include <csr_matrix_mod/ordering.hpp>
 

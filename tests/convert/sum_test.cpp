@@ -242,6 +242,38 @@ TEST(Sum, AddsRowsWithTheSameColumnsAndRowsThatDifferInOnePlace) {
   }
 }
 
+// Rows are compared some at a time: 50 with the same columns, but for one that has an entry more,
+// another column, another order, a column twice, or one that stands in the next row instead.
+TEST(Sum, FindsTheOneRowOfManyThatDiffers) {
+  entry_rows rows;
+  for (std::int32_t i = 0; i < 50; ++i) {
+    auto& row = rows.emplace_back();
+    for (std::int32_t j = 1; j <= i * 7 % 5; ++j) row.push_back({i % 3 + 2 * j, 1e15 - 0.1 * i});
+  }
+  const csr_matrix mat1 = real_matrix(20, rows);
+  for (std::size_t i = 0; i < rows.size(); ++i)
+    for (int change = 0; change < 5; ++change) {
+      entry_rows others = rows;
+      auto& row = others[i];
+      if (change == 0) row.push_back({20, 0.5});
+      if (change > 0 && row.size() < 2) continue;
+      if (change == 1) ++row.back().column;
+      if (change == 2) std::reverse(row.begin(), row.end());
+      if (change == 3) row.back().column = row.front().column;
+      if (change == 4) {
+        if (i + 1 == rows.size()) continue;
+        others[i + 1].insert(others[i + 1].begin(), row.back());
+        row.pop_back();
+      }
+      const csr_matrix mat2 = real_matrix(20, others);
+      csr_matrix mat3;
+      expect_silent([&] { csr_matrix_sum(mat1, mat2, mat3); });
+      ASSERT_EQ(entries_of(mat3), tests::dense::sum(rows, others, 20)) << i << ", " << change;
+      expect_silent([&] { csr_matrix_sum(mat2, mat2, mat3); });
+      ASSERT_EQ(entries_of(mat3), tests::dense::sum(others, others, 20)) << i << ", " << change;
+    }
+}
+
 // Every pair of lengths around that of short rows, with columns of which many, few or none are
 // those of the other row, up to the last row and the last slot there is, with room for more entries
 // than there are and without; values as above.
