@@ -29,6 +29,12 @@ matrix_maker twenty_seven_point_rows() {
 matrix_maker random_rows() {
   return [](double rows) { return uniform_random(rows); };
 }
+matrix_maker uneven_rows() {
+  return [](double rows) { return uneven_random(rows); };
+}
+matrix_maker seven_point_rows_of_three() {
+  return [](double rows) { return several_unknowns(seven_point(rows / 3), 3); };
+}
 matrix_maker rmat_rows() {
   return [](double rows) { return rmat(rows); };
 }

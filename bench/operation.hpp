@@ -28,6 +28,8 @@ matrix_maker five_point_rows();
 matrix_maker seven_point_rows();
 matrix_maker twenty_seven_point_rows();
 matrix_maker random_rows();
+matrix_maker uneven_rows();
+matrix_maker seven_point_rows_of_three();  // unknowns
 matrix_maker rmat_rows();
 
 // The scalar multiplications of a b.

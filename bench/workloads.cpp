@@ -140,6 +140,37 @@ matrix uniform_random(double rows, int per_row, std::uint64_t seed) {
   return a;
 }
 
+matrix uneven_random(double rows, int most, std::uint64_t seed) {
+  const auto n = std::max(16, static_cast<std::int32_t>(rows));
+  random_numbers random(seed);
+  matrix a = with_rows(n, n, static_cast<std::size_t>(n) * static_cast<std::size_t>(most));
+  for (std::int32_t i = 0; i < n; ++i) {
+    const auto first = a.columns.end() - a.columns.begin();
+    for (std::int32_t left = random.below(most + 1); left > 0; --left)
+      a.columns.push_back(random.below(n) + 1);
+    std::sort(a.columns.begin() + first, a.columns.end());
+    a.columns.erase(std::unique(a.columns.begin() + first, a.columns.end()), a.columns.end());
+    end_row(a);
+  }
+  fill_values(a, random);
+  return a;
+}
+
+matrix several_unknowns(const matrix& of, std::int32_t number, std::uint64_t seed) {
+  matrix a = with_rows(of.n * number, of.m * number,
+                       of.columns.size() * static_cast<std::size_t>(number * number));
+  for (std::size_t i = 0; i + 1 < of.starts.size(); ++i)
+    for (std::int32_t unknown = 0; unknown < number; ++unknown) {
+      for (std::int32_t k = of.starts[i]; k < of.starts[i + 1]; ++k)
+        for (std::int32_t other = 1; other <= number; ++other)
+          a.columns.push_back((of.columns[static_cast<std::size_t>(k - 1)] - 1) * number + other);
+      end_row(a);
+    }
+  random_numbers random(seed);
+  fill_values(a, random);
+  return a;
+}
+
 matrix rmat(double rows, std::uint64_t seed) {
   const int scale = std::max(4, static_cast<int>(std::floor(std::log2(rows) + 1e-9)));
   const std::int32_t n = 1 << scale;

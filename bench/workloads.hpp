@@ -22,6 +22,12 @@ matrix twenty_seven_point(double rows, std::uint64_t seed = 1);
 // Rows of `per_row` different columns each, uniformly random, sorted.
 matrix uniform_random(double rows, int per_row = 8, std::uint64_t seed = 1);
 
+// Rows of 0 to `most` uniformly random columns, sorted, repeated ones merged.
+matrix uneven_random(double rows, int most = 15, std::uint64_t seed = 1);
+
+// So many unknowns at each point of a matrix: each entry becomes a block of entries.
+matrix several_unknowns(const matrix& of, std::int32_t number, std::uint64_t seed = 1);
+
 // R-MAT (0.57, 0.19, 0.19, 0.05): about `rows` rows, rounded down to a power of 2, 16 edges drawn a
 // row, repeated ones merged, rows sorted.
 matrix rmat(double rows, std::uint64_t seed = 1);
