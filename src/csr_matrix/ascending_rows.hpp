@@ -15,12 +15,17 @@ namespace csr_matrix_mod {
 [[nodiscard]] inline std::int32_t steps_between_rows(const std::int32_t* starts,
                                                      const std::int32_t* columns,
                                                      std::int64_t first, std::int64_t last) {
+  const std::int32_t low = starts[first - 1];
+  const std::int32_t high = starts[last];
+  std::int32_t falls = 0;
   std::int32_t steps = 0;
-  for (std::int64_t i = first; i <= last; ++i) {
-    const std::int32_t start = starts[i - 1];
-    if (starts[i] < start) return -1;
-    if (i > first && starts[i] > start && start > starts[first - 1])
-      steps += columns[start - 2] < columns[start - 1] ? 0 : 1;
+  for (std::int64_t i = first; i <= last; ++i) falls |= starts[i] < starts[i - 1] ? 1 : 0;
+  if (falls != 0) return -1;
+  if (high - low < 2) return 0;
+  for (std::int64_t i = first; i < last; ++i) {  // no branch: nobody foresees which rows are empty
+    const std::int32_t start = starts[i];
+    const std::int32_t at = std::clamp(start, low + 1, high - 1);
+    steps += (starts[i + 1] > start) & (start > low) & (columns[at - 2] >= columns[at - 1]) ? 1 : 0;
   }
   return steps;
 }
