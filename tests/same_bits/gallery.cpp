@@ -185,6 +185,18 @@ std::vector<sample> square_matrices() {
   return all;
 }
 
+csr_matrix chain(std::int32_t points, std::int32_t unknowns, kind values) {
+  rows_in_order rows(points * unknowns, values, 33);
+  for (std::int32_t point = 0; point < points; ++point)
+    for (std::int32_t unknown = 0; unknown < unknowns; ++unknown) {
+      for (std::int32_t near = point - 1; near <= point + 1; ++near)
+        for (std::int32_t other = 1; other <= unknowns; ++other)
+          if (0 <= near && near < points) rows.entry(near * unknowns + other);
+      rows.end_row();
+    }
+  return rows.matrix();
+}
+
 std::vector<double> value_vector(std::int32_t length, kind values, std::uint64_t seed) {
   numbers random(seed);
   std::vector<double> result(static_cast<std::size_t>(length));

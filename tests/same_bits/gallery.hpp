@@ -55,6 +55,9 @@ csr_matrix_mod::csr_matrix unsorted(std::int32_t rows, std::int32_t columns, std
 // The 5-point stencil on a grid of the given sides.
 csr_matrix_mod::csr_matrix five_point(std::int32_t width, std::int32_t height, kind values);
 
+// A chain of points, at each of them so many unknowns.
+csr_matrix_mod::csr_matrix chain(std::int32_t points, std::int32_t unknowns, kind values);
+
 std::vector<double> value_vector(std::int32_t length, kind values, std::uint64_t seed);
 std::vector<std::int32_t> integer_vector(std::int32_t length, std::uint64_t seed);
 std::vector<std::int32_t> permutation(std::int32_t length, std::uint64_t seed);

@@ -365,6 +365,10 @@ void product_routines(report& results) {
     const csr_matrix b = unsorted(110, 50, 40, values, 72);
     products(results, a, b);
     vectors(results, a, values);
+    for (const std::int32_t unknowns : {2, 3, 5, 9}) {
+      const csr_matrix several = chain(12, unknowns, values);
+      products(results, several, several);
+    }
   }
 }
 
