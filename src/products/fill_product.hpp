@@ -60,9 +60,10 @@ void fill_product(const csr_matrix& m1, const csr_matrix& m2, std::int32_t ncol,
     return store_entries<Diagonal>(
         of, to, path, routine, rows_by_starts{of.ib.data()},
         repeated_rows<Diagonal, Values, Path>(of, to, path, found.left(), found.right(), m2.n));
+  const bool of_one = rows_of_one::are(of.ib, m2.n);
   if constexpr (Diagonal == diagonal::kept && Values::stored && Path::multiplies_values) {
     twin_rows twins(of, m2.n, path.a, path.b, m3.ia.data(), m3.ja.data(), m3.a.data());
-    if (twins.look())
+    if (!of_one && twins.look())
       return store_entries<Diagonal>(of, to, path, routine, rows_by_starts{of.ib.data()},
                                      std::move(twins));
   }
@@ -74,7 +75,7 @@ void fill_product(const csr_matrix& m1, const csr_matrix& m2, std::int32_t ncol,
     else
       store_entries<Diagonal>(of, to, path, routine, right_rows, walk_alone{}, foresight...);
   };
-  if (rows_of_one::are(of.ib, m2.n))
+  if (of_one)
     walk(rows_of_one{});
   else if (of.n > 0 && paths_watched::are_worth_it(of.ia.data()[of.n] - 1, of.ncol))
     walk(rows_by_starts{of.ib.data()}, paths_watched{});

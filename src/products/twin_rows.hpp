@@ -73,14 +73,21 @@ class twin_rows : public walk_alone {
         columns_(columns),
         values_(values) {}
 
-  // False when fewer than a quarter of the left rows are twins of the row before, as far as the
-  // first thousand tell, or when there is no room for the bits.
+  // Are they worth it? Yes if more than half of the left rows are twins of the row before, as far as
+  // the first thousand tell, or a quarter of both the left and the right rows: pairs alone are no
+  // gain where nobody foresees which paths lead to new columns. No if there is no room for the bits.
   [[nodiscard]] bool look() noexcept {
-    constexpr std::int64_t asked = 1024;
-    const std::int64_t last = std::min<std::int64_t>(n_, asked);
-    std::int64_t found = 0;
-    for (std::int64_t i = 2; i <= last; ++i) found += is_twin(left_starts_, left_columns_, i);
-    return found > last / 4 && find_right_twins();
+    const auto are_above = [](const std::int32_t* starts, const std::int32_t* columns,
+                              std::int64_t rows, std::int64_t share) {
+      const std::int64_t last = std::min<std::int64_t>(rows, 1024);
+      std::int64_t found = 0;
+      for (std::int64_t i = 2; i <= last; ++i) found += is_twin(starts, columns, i);
+      return share * found > last;
+    };
+    return are_above(left_starts_, left_columns_, n_, 4) &&
+           (are_above(left_starts_, left_columns_, n_, 2) ||
+            are_above(right_.starts, right_.columns, right_rows_, 4)) &&
+           find_right_twins();
   }
 
   // Stores row i and those after it that are its twins, and moves `pos` to the last entry. Their
@@ -139,7 +146,8 @@ class twin_rows : public walk_alone {
       paths += right_.starts[j] - right_.starts[j - 1];
     }
     const std::int64_t wanted = most_twins * std::min<std::int64_t>(paths, ncol_);
-    return wanted <= sums_.length() || sums_.allocate(2 * wanted, contents::undefined);
+    return wanted <= sums_.length() ||
+           sums_.allocate(std::max(wanted, 2 * sums_.length()), contents::undefined);
   }
 
   std::int64_t n_;

@@ -131,6 +131,21 @@ TEST(TwinRows, AreNotLookedForInMatricesThatHaveFew) {
   expect_product_of_the_passes(late, late);
 }
 
+TEST(TwinRows, AreNotLookedForInPairsThatLeadToRowsThatDiffer) {
+  const points pairs(40, 2);
+  const points fives(16, 5);
+  const points alone(120, 1);
+  random_rows rows(11);
+  const csr_matrix two = real_matrix(80, rows.of(pairs, pairs, 4));
+  const csr_matrix five = real_matrix(80, rows.of(fives, pairs, 4));
+  const csr_matrix differing = real_matrix(120, rows.of(points(80, 1), alone, 4));
+  EXPECT_TRUE(rows_of_product(two, two).look());
+  EXPECT_FALSE(rows_of_product(two, differing).look());
+  EXPECT_TRUE(rows_of_product(five, differing).look());
+  expect_product_of_the_passes(two, differing);
+  expect_product_of_the_passes(five, differing);
+}
+
 TEST(TwinRows, KeepInfinitiesAndTheSignOfZero) {
   constexpr double infinity = std::numeric_limits<double>::infinity();
   const csr_matrix mat = real_matrix(3, {{{1, -0.0}, {2, infinity}, {3, 1e-300}},
