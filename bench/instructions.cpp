@@ -45,6 +45,8 @@ void lists(bool in_order) {
 const std::map<std::string, std::function<void()>> cases = {
     {"csr_matrix_multiply stencil", [] { product(bench::five_point(rows)); }},
     {"csr_matrix_multiply random", [] { product(bench::uniform_random(rows)); }},
+    {"csr_matrix_multiply unknowns",
+     [] { product(bench::several_unknowns(bench::five_point(rows / 3.0), 3)); }},
     {"csr_matrix_restriction aggregates",
      [] {
        const csr_matrix a = record(bench::five_point(rows));
