@@ -25,7 +25,10 @@ namespace csr_matrix_mod {
   for (std::int64_t i = first; i < last; ++i) {  // no branch: nobody foresees which rows are empty
     const std::int32_t start = starts[i];
     const std::int32_t at = std::clamp(start, low + 1, high - 1);
-    steps += (starts[i + 1] > start) & (start > low) & (columns[at - 2] >= columns[at - 1]) ? 1 : 0;
+    const std::int32_t filled = starts[i + 1] > start ? 1 : 0;
+    const std::int32_t inside = start > low ? 1 : 0;
+    const std::int32_t down = columns[at - 2] < columns[at - 1] ? 0 : 1;
+    steps += filled & inside & down;
   }
   return steps;
 }

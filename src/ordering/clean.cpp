@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Repeated columns merged without sorting: the first occurrence keeps its place.
+#include "../csr_matrix/ascending_rows.hpp"
 #include "../support/scratch.hpp"
 #include "../support/stop.hpp"
-#include "../csr_matrix/ascending_rows.hpp"
 
 #include <csr_matrix_mod/ordering.hpp>
 

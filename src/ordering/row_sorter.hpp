@@ -95,8 +95,11 @@ class row_sorter {
       }
       std::memcpy(place + first, &below_low, sizeof below_low);
       std::memcpy(place + first + 4, &below_high, sizeof below_high);
-      total += (below_low & (lane < end)) + (below_high & (lane + 4 < end));
-      lane += 8;
+      const four in_low = lane < end;
+      lane += 4;
+      const four in_high = lane < end;
+      lane += 4;
+      total += (below_low & in_low) + (below_high & in_high);
     }
     return total[0] + total[1] + total[2] + total[3] == length * (length - 1) / 2;
   }

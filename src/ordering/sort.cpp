@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Rows in ascending order of columns, each column once.
-#include "../support/scratch.hpp"
 #include "../csr_matrix/ascending_rows.hpp"
+#include "../support/scratch.hpp"
 #include "row_sorter.hpp"
 
 #include <csr_matrix_mod/ordering.hpp>
