@@ -81,7 +81,8 @@ class Build:
         self.limited = limited
         configured = run([
             "cmake", "-S", str(TREE), "-B", str(self.folder), "-G", "Ninja",
-            "-D", "CMAKE_BUILD_TYPE=Debug", "-D", f"CMAKE_CXX_FLAGS_DEBUG={flags}",
+            "-D", "CMAKE_BUILD_TYPE=Debug", "-D", f"CMAKE_CXX_FLAGS={flags}",
+            "-D", "CMAKE_CXX_FLAGS_DEBUG=",
             "-D", "BUILD_SHARED_LIBS=ON", "-D", "CSR_MATRIX_MOD_BUILD_EXAMPLES=OFF"])
         if configured.returncode != 0:
             sys.exit(configured.stdout)
