@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Products of stencils, whose rows repeat the row before moved by one column, against the two
 // passes that walk every row: the same arrays to the last bit.
-#include "../support/registers.hpp"
-#include "passes.hpp"
-#include "products.hpp"
+#include "faster_ways.hpp"
 
 #include <rapidcheck/gtest.h>
 
@@ -116,15 +114,6 @@ entry_rows band(std::int32_t n, std::int32_t reach, double value) {
   return rows;
 }
 
-void expect_product_of_the_passes(const csr_matrix& l, const csr_matrix& r) {
-  const passes expected = passes_of_product(l, r);
-  in_registers_of_every_width([&] {
-    csr_matrix product;
-    csr_matrix_multiply(l, r, product);
-    EXPECT_TRUE(are_same(product, expected));
-  });
-}
-
 void expect_square_of_the_passes(const csr_matrix& mat) { expect_product_of_the_passes(mat, mat); }
 
 // The stencil of a point and its neighbours on a grid, the corners of its cube or not.
@@ -227,21 +216,7 @@ TEST(RepeatedRows, AreNotTakenForRowsThatLeadOverOthers) {
 // Room for the bits, for the patterns or for the sums is refused, once, twice or from then on: rows
 // are walked, and nobody is told.
 TEST(RepeatedRows, AreDoneWithoutWhereThereIsNoRoomToFindThem) {
-  const csr_matrix mat = grid(20, 8, 1);
-  csr_matrix expected;
-  csr_matrix_multiply(mat, mat, expected);
-  bool reached = true;
-  for (int k = 0; reached; ++k)
-    for (const int another :
-         {refuse_allocation::none, refuse_allocation::all_behind, k + 1, k + 2}) {
-      csr_matrix square;
-      const refuse_allocation refuse(k, another);
-      const observed seen = observe([&] { csr_matrix_multiply(mat, mat, square); });
-      reached = refuse.reached();
-      EXPECT_TRUE(reached || k > 8);
-      if (seen.stop) continue;
-      EXPECT_EQ(entries_of(square), entries_of(expected)) << "requests " << k << ", " << another;
-    }
+  expect_square_in_shortage(grid(20, 8, 1), 8);
 }
 
 }  // namespace
