@@ -19,7 +19,7 @@ namespace {
 constexpr std::string_view routine = "csr_matrix_transpose";
 
 // Where rows follow each other it does not matter where one ends, which a processor does not
-// foresee if lengths vary: such a matrix is transposed 1.2 to 1.6 times as fast.
+// foresee if lengths vary: such a matrix is transposed 1.2 to 1.8 times as fast.
 void count_columns(const csr_matrix& mat, scratch<std::int32_t>& count) {
   const std::int32_t* const starts = mat.ia.data();
   const std::int32_t* const columns = mat.ja.data();

@@ -62,7 +62,7 @@ void fill_product(const csr_matrix& m1, const csr_matrix& m2, std::int32_t ncol,
         repeated_rows<Diagonal, Values, Path>(of, to, path, found.left(), found.right(), m2.n));
   const bool of_one = rows_of_one::are(of.ib, m2.n);
   if constexpr (Diagonal == diagonal::kept && Values::stored && Path::multiplies_values) {
-    twin_rows twins(of, m2.n, path.a, path.b, m3.ia.data(), m3.ja.data(), m3.a.data());
+    twin_rows twins(of, to, path, m2.n);
     if (!of_one && twins.look())
       return store_entries<Diagonal>(of, to, path, routine, rows_by_starts{of.ib.data()},
                                      std::move(twins));

@@ -12,6 +12,7 @@
 #pragma once
 
 #include "../support/scratch.hpp"
+#include "path_values.hpp"
 #include "product_walk.hpp"
 
 #include <algorithm>
@@ -59,19 +60,18 @@ using twin_walk = std::int32_t(const left_twins& left, const right_rows_and_twin
 // Beside a walk of values that are multiplied.
 class twin_rows : public walk_alone {
  public:
-  twin_rows(const operands& of, std::int32_t right_rows, const double* left_values,
-            const double* right_values, std::int32_t* starts, std::int32_t* columns,
-            double* values) noexcept
+  twin_rows(const operands& of, const product<sums>& to, const values_multiplied& path,
+            std::int32_t right_rows) noexcept
       : n_(of.n),
         ncol_(of.ncol),
         right_rows_(right_rows),
         left_starts_(of.ia.data()),
         left_columns_(of.ja.data()),
-        left_values_(left_values),
-        right_{of.ib.data(), of.jb.data(), right_values, nullptr},
-        starts_(starts),
-        columns_(columns),
-        values_(values) {}
+        left_values_(path.a),
+        right_{of.ib.data(), of.jb.data(), path.b, nullptr},
+        starts_(to.ic.data()),
+        columns_(to.jc.data()),
+        values_(to.values.ac) {}
 
   // Are they worth it? Yes if more than half of the left rows are twins of the row before, as far as
   // the first thousand tell, or a quarter of both the left and the right rows: pairs alone are no

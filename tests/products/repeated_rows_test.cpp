@@ -216,7 +216,7 @@ TEST(RepeatedRows, AreNotTakenForRowsThatLeadOverOthers) {
 // Room for the bits, for the patterns or for the sums is refused, once, twice or from then on: rows
 // are walked, and nobody is told.
 TEST(RepeatedRows, AreDoneWithoutWhereThereIsNoRoomToFindThem) {
-  expect_square_in_shortage(grid(20, 8, 1), 8);
+  expect_square_in_shortage(grid(20, 8, 1), 9);
 }
 
 }  // namespace
