@@ -3,6 +3,7 @@
 #pragma once
 
 #include "../support/scratch.hpp"
+#include "near_columns.hpp"
 
 #include <csr_matrix_mod/csr_matrix.hpp>
 
@@ -40,7 +41,10 @@ class row_sorter {
     if (length < 1) return length;
     if (length <= 8) return sort_by_rank<8>(start - 1, length, q);
     if (length <= 16) return sort_by_rank<16>(start - 1, length, q);
+    if (length <= 24) return sort_by_rank<24>(start - 1, length, q);
     if (length <= 32) return sort_by_rank<32>(start - 1, length, q);
+    if (sort_near_columns(start - 1, length, q - 1)) return length;
+    if (length <= 48) return sort_by_rank<48>(start - 1, length, q);
     if (length <= most_ranked) return sort_by_rank<std::size_t{most_ranked}>(start - 1, length, q);
     return sort_by_radix(start - 1, length, q);
   }
@@ -71,6 +75,13 @@ class row_sorter {
       if (values_ != nullptr) values_[q + place[k] - 1] = value[k];
     }
     return length;
+  }
+
+  bool sort_near_columns(std::int32_t from, std::int32_t length, std::int32_t to) {
+    const bool pattern = values_ == nullptr;
+    return near_columns::sort(columns_ + from, pattern ? nullptr : values_ + from, length,
+                              unsorted_values_.data(), columns_ + to,
+                              pattern ? nullptr : values_ + to);
   }
 
   // For each column, how many of the row are smaller, eight columns at a time in vector registers.

@@ -9,6 +9,9 @@
 #include <rapidcheck/gtest.h>
 
 #include <algorithm>
+#include <limits>
+#include <numeric>
+#include <random>
 
 namespace {
 
@@ -234,6 +237,45 @@ TEST(Sort, OrdersRowsOfEveryLengthAsOneByOne) {
     }
     expect_sorted_one_by_one(m, rows);
   }
+}
+
+// `length` different columns of the `spread` from `low` on, the first and the last among them, in no
+// order.
+std::vector<entry> near_row(std::int32_t length, std::int32_t spread, std::int32_t low) {
+  std::vector<std::int32_t> columns(static_cast<std::size_t>(spread));
+  std::iota(columns.begin(), columns.end(), low);
+  std::minstd_rand walk(static_cast<unsigned>(length + spread));
+  std::swap(columns[1], columns.back());
+  std::shuffle(columns.begin() + 2, columns.end(), walk);
+  columns.resize(static_cast<std::size_t>(length));
+  std::shuffle(columns.begin(), columns.end(), walk);
+  std::vector<entry> row;
+  for (const std::int32_t column : columns) row.push_back({column, 1.0 / (column % 1013 + 1)});
+  return row;
+}
+
+// The last of them spread a column further than others, one has a column twice, one a column at the
+// other end of the matrix.
+TEST(Sort, OrdersRowsWhoseColumnsLieNearEachOther) {
+  constexpr std::int32_t m = std::numeric_limits<std::int32_t>::max();
+  entry_rows rows;
+  for (const std::int32_t length : {33, 40, 48, 49, 64, 65, 100, 511, 512, 513, 600, 4096, 4097})
+    for (const std::int32_t spread :
+         {length, length + 1, 64 * ((length + 63) / 64), 2 * length, 8 * length - 1, 8 * length,
+          8 * length + 1, 4095, 4096, 4097}) {
+      if (spread < length) continue;
+      rows.push_back(near_row(length, spread, 1));
+      rows.push_back(near_row(length, spread, m - spread + 1));
+      for (const std::size_t k : {std::size_t{1}, rows.back().size() / 3, rows.back().size() - 1}) {
+        rows.push_back(near_row(length, spread, 1000));
+        rows.back()[k].column = rows.back()[k - 1].column;
+        rows.push_back(near_row(length, spread, 1000));
+        rows.back()[k].column = m;
+        rows.push_back(near_row(length, spread, m - spread));
+        rows.back()[k].column = 1;
+      }
+    }
+  expect_sorted_one_by_one(m, rows);
 }
 
 // The rows are looked at some at a time: 600 of them with 0 to 3 entries, one of them out of order.
