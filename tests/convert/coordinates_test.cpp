@@ -283,14 +283,14 @@ TEST(FromCoordinates, FindsTheOneEntryThatIsOutOfRowOrder) {
 
 // Large enough to look ahead: rows far apart, and rows near those of the entries before.
 TEST(FromCoordinates, DealsLongListsOut) {
-  constexpr std::int32_t n = 10007;
+  constexpr std::int32_t n = 20011;
   integers scattered;
   integers near;
   std::int64_t walk = 1;
-  for (std::int32_t k = 0; k < 140000; ++k) {
+  for (std::int32_t k = 0; k < 40 * n; ++k) {
     walk = walk * 48271 % 2147483647;
     scattered.push_back(static_cast<std::int32_t>(walk % n) + 1);
-    near.push_back((k / 14 + k % 14 * 700) % n + 1);
+    near.push_back((k / 40 + k % 40 * 500) % n + 1);
   }
   expect_dealt_out(n, scattered);
   expect_dealt_out(n, near);

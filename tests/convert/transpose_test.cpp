@@ -222,17 +222,17 @@ RC_GTEST_PROP(TransposeProperty, OfASymmetricPatternIsTheOneCountedToo, ()) {
 
 // Large enough to look ahead: columns far apart, and columns near those of the rows before.
 TEST(Transpose, OfALargeMatrixHoldsEveryEntryInItsColumn) {
-  constexpr std::int32_t n = 10007;
+  constexpr std::int32_t n = 20011;
   entry_rows scattered(n);
   entry_rows near(n);
   std::int64_t walk = 1;
   for (std::int32_t i = 0; i < n; ++i)
-    for (std::int32_t k = 0; k < 14; ++k) {
+    for (std::int32_t k = 0; k < 40; ++k) {
       walk = walk * 48271 % 2147483647;
       const auto value = static_cast<double>(walk);
       scattered[static_cast<std::size_t>(i)].push_back(
           {static_cast<std::int32_t>(walk % n) + 1, value});
-      near[static_cast<std::size_t>(i)].push_back({(i + 700 * k) % n + 1, value});
+      near[static_cast<std::size_t>(i)].push_back({(i + 500 * k) % n + 1, value});
     }
   for (const entry_rows& rows : {scattered, near}) {
     entry_rows expected(n);
