@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 
@@ -35,7 +36,7 @@ class near_columns {
     char taken[most_slots];
     std::uint16_t taken_by[most_slots];
     std::memset(taken, 0, (last / slots_at_a_time + 1) * slots_at_a_time);
-    char repeated = 0;
+    int repeated = 0;
     for (std::int32_t k = 0; k < length; ++k) {
       const std::uint32_t s = slot(low, columns[k]);
       repeated |= taken[s];
@@ -45,9 +46,9 @@ class near_columns {
     if (repeated != 0) return false;
 
     if (values != nullptr) std::copy_n(values, length, room);
-    for (std::uint32_t first = 0; first <= last; first += slots_at_a_time) {
+    for (std::size_t first = 0; first <= last; first += slots_at_a_time) {
       for (std::uint64_t bits = bits_of(taken + first); bits != 0; bits &= bits - 1) {
-        const std::uint32_t s = first + static_cast<std::uint32_t>(std::countr_zero(bits));
+        const std::size_t s = first + static_cast<std::size_t>(std::countr_zero(bits));
         *to++ = low + static_cast<std::int32_t>(s);
         if (values != nullptr) *new_values++ = room[taken_by[s]];
       }
@@ -58,7 +59,7 @@ class near_columns {
  private:
   static constexpr std::int32_t columns_an_entry = 8;
   static constexpr std::int32_t most_slots = 4096;  // which the fastest cache holds
-  static constexpr std::uint32_t slots_at_a_time = 64;
+  static constexpr std::size_t slots_at_a_time = 64;
 
   // Columns may be any numbers, and as far apart.
   static std::uint32_t slot(std::int32_t low, std::int32_t column) noexcept {
