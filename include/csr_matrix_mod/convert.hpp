@@ -23,10 +23,9 @@ namespace csr_matrix_mod {
 /// Ensures: `mat_t` has ncol rows (m of `mat` if absent), as many columns as `mat` has rows, and
 /// the kind of `mat`. Every row is sorted; entries that share row and column keep their order.
 /// Capacity is exactly the number of entries (1 if there are none).
-/// Cost: O(n + ncol + entries); one temporary of ncol integers.
-/// Stops: "allocation error in csr_matrix_transpose" before `mat_t` is touched; as
-/// `csr_matrix_initial` and `csr_matrix_allocate`. Warns as `csr_matrix_allocate` when there are no
-/// entries.
+/// Cost: O(n + ncol + entries); no temporaries.
+/// Stops: as `csr_matrix_initial` and `csr_matrix_allocate`. Warns as `csr_matrix_allocate` when
+/// there are no entries.
 void csr_matrix_transpose(const csr_matrix& mat, csr_matrix& mat_t,
                           std::optional<std::int32_t> ncol = {});
 
@@ -80,10 +79,10 @@ void csr_matrix_sum_nodiag(const csr_matrix& mat1, const csr_matrix& mat2, csr_m
 /// Ensures: `mat` has m columns (the largest of col(1..nnz) if absent, 0 if there are no entries)
 /// and the given kind (values if absent). Each row keeps the order of the lists; a pair that is
 /// given twice stands there twice. Capacity is exactly nnz (1 if nnz is 0 or less).
-/// Cost: O(n + nnz); one temporary of n integers, none for lists in row order.
-/// Stops: "allocation error in coo_to_csr_format"; "coo_to_csr_format: COUNT entries do not fit, at
-/// most 2147483646"; as `csr_matrix_initial` and `csr_matrix_allocate`. Warns as
-/// `csr_matrix_allocate` when nnz is 0 or less.
+/// Cost: O(n + nnz); no temporaries.
+/// Stops: "coo_to_csr_format: COUNT entries do not fit, at most 2147483646"; as
+/// `csr_matrix_initial` and `csr_matrix_allocate`. Warns as `csr_matrix_allocate` when nnz is 0 or
+/// less.
 void coo_to_csr_format(std::int32_t n, std::int32_t nnz, array_view<const std::int32_t> row,
                        array_view<const std::int32_t> col, array_view<const double> val,
                        csr_matrix& mat, std::optional<matrix_type> type = {},

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Between a matrix and coordinate lists: row, column and value of each entry.
 #include "../support/entry_count.hpp"
-#include "../support/scratch.hpp"
 #include "../support/stop.hpp"
 #include "look_ahead.hpp"
 #include "row_starts.hpp"
@@ -92,10 +91,10 @@ void coo_to_csr_format(std::int32_t n, std::int32_t nnz, array_view<const std::i
   }
 
   // Count the entries of each row; the row starts follow.
-  scratch<std::int32_t> count(n, contents::zero, from_lists);
-  std::int32_t* const cursor = count.data();
+  std::int32_t* const cursor = mat.ia.data();
+  std::fill(mat.ia.begin(), mat.ia.end(), 0);
   for (std::int32_t k = 1; k <= nnz; ++k) ++cursor[rows[k - 1] - 1];
-  row_starts_from_counts(mat, count);
+  row_starts_from_counts(mat);
 
   csr_matrix_allocate(mat, nnz);
 
@@ -109,6 +108,7 @@ void coo_to_csr_format(std::int32_t n, std::int32_t nnz, array_view<const std::i
     new_columns[p - 1] = columns[k - 1];
     if (values != nullptr) new_values[p - 1] = values[k - 1];
   }
+  row_starts_from_cursors(mat);
 }
 
 }  // namespace csr_matrix_mod

@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: MIT
-// Row starts: whether rows follow each other, and the second step of a counting sort, from the
-// number of entries of each row to the row starts.
+// Row starts: whether rows follow each other, and those of a counting sort, which are its counts
+// before and its cursors in between.
 #pragma once
-
-#include "../support/scratch.hpp"
 
 #include <csr_matrix_mod/csr_matrix.hpp>
 
+#include <algorithm>
 #include <cstdint>
 
 namespace csr_matrix_mod {
@@ -20,17 +19,26 @@ namespace csr_matrix_mod {
   return falls == 0;
 }
 
-// `count` holds the entries of each row of `mat` and becomes the position of the row's first entry,
-// ready to be the cursor of a fill. A record of fewer than 0 rows has no row start to write.
-inline void row_starts_from_counts(csr_matrix& mat, scratch<std::int32_t>& count) {
+// The entries of each row, which `ia` holds without its last element, become the row starts.
+inline void row_starts_from_counts(csr_matrix& mat) {
+  if (mat.n < 0) return;  // a record that has no row start to write
+  std::int32_t* const starts = mat.ia.data();
+  std::int32_t next = 1;
+  for (std::int64_t i = 1; i <= mat.n; ++i) {
+    const std::int32_t count = starts[i - 1];
+    starts[i - 1] = next;
+    next += count;
+  }
+  starts[mat.n] = next;
+}
+
+// A fill has moved each row start, entry by entry, to where the next row starts; they become the row
+// starts again. So a counting sort needs no storage beside its result.
+inline void row_starts_from_cursors(csr_matrix& mat) {
   if (mat.n < 0) return;
   std::int32_t* const starts = mat.ia.data();
-  std::int32_t* const cursor = count.data();
+  std::copy_backward(starts, starts + mat.n, starts + mat.n + 1);
   starts[0] = 1;
-  for (std::int64_t i = 1; i <= mat.n; ++i) {
-    starts[i] = starts[i - 1] + cursor[i - 1];
-    cursor[i - 1] = starts[i - 1];
-  }
 }
 
 }  // namespace csr_matrix_mod

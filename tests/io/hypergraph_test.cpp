@@ -78,7 +78,7 @@ TEST(Hypergraph, DoesNotTouchTheFileWhenTheTransposeStops) {
   const csr_matrix mat = sample();
   const tests::refuse_allocation refused(0);
   EXPECT_EQ(tests::observe([&] { csr_matrix_dump_hypergraph(mat, folder.path("out")); }).stop,
-            "allocation error in csr_matrix_transpose");
+            "allocation error in csr_matrix_initial");
   EXPECT_EQ(tests::read_file(folder.path("out")), "before");
 }
 
