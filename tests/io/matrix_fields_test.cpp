@@ -134,7 +134,7 @@ TEST(QuickValue, IsWrittenAsTheGeneralOneForAnyBits) {
   for (int k = 0; k < 300000; ++k) {
     const std::uint64_t bits = random();
     ASSERT_TRUE(value_is_written_alike(std::bit_cast<double>(bits)));
-    const double mantissa = static_cast<double>(bits >> 11);
+    const auto mantissa = static_cast<double>(bits >> 11);
     ASSERT_TRUE(value_is_written_alike(std::ldexp(mantissa, int(random() % 240) - 190)));
     ASSERT_TRUE(value_is_written_alike(std::ldexp(-mantissa, int(random() % 60) - 80)));
   }
@@ -148,7 +148,7 @@ TEST(QuickValue, IsReadBackFromWhateverIsWritten) {
   std::mt19937_64 random(7);
   int quick = 0;
   for (int k = 0; k < 300000; ++k) {
-    const double mantissa = static_cast<double>(random() >> 11);
+    const auto mantissa = static_cast<double>(random() >> 11);
     const double size = std::ldexp(mantissa, int(random() % 160) - 130);
     const field from = general_value(random() % 2 != 0 ? size : -size);
     ASSERT_TRUE(value_is_read_alike(from));
