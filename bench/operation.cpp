@@ -32,6 +32,12 @@ matrix_maker random_rows() {
 matrix_maker uneven_rows() {
   return [](double rows) { return uneven_random(rows); };
 }
+matrix_maker renumbered_rows() {
+  return [](double rows) { return renumbered(seven_point(rows), 64); };
+}
+matrix_maker band_rows() {
+  return [](double rows) { return band(rows, 50); };
+}
 matrix_maker seven_point_rows_of_three() {
   return [](double rows) { return several_unknowns(seven_point(rows / 3), 3); };
 }

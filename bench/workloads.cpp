@@ -156,6 +156,20 @@ matrix uneven_random(double rows, int most, std::uint64_t seed) {
   return a;
 }
 
+matrix band(double rows, std::int32_t beside, std::uint64_t seed) {
+  const auto n = std::max(16, static_cast<std::int32_t>(rows));
+  matrix a =
+      with_rows(n, n, static_cast<std::size_t>(n) * static_cast<std::size_t>(2 * beside + 1));
+  for (std::int32_t i = 1; i <= n; ++i) {
+    for (std::int32_t j = std::max(1, i - beside); j <= std::min(n, i + beside); ++j)
+      a.columns.push_back(j);
+    end_row(a);
+  }
+  random_numbers random(seed);
+  fill_values(a, random);
+  return a;
+}
+
 matrix several_unknowns(const matrix& of, std::int32_t number, std::uint64_t seed) {
   matrix a = with_rows(of.n * number, of.m * number,
                        of.columns.size() * static_cast<std::size_t>(number * number));
@@ -167,6 +181,30 @@ matrix several_unknowns(const matrix& of, std::int32_t number, std::uint64_t see
       end_row(a);
     }
   random_numbers random(seed);
+  fill_values(a, random);
+  return a;
+}
+
+matrix renumbered(const matrix& of, std::int32_t within, std::uint64_t seed) {
+  random_numbers random(seed);
+  std::vector<std::int32_t> old(static_cast<std::size_t>(of.n));
+  std::iota(old.begin(), old.end(), 0);
+  for (std::int32_t i = 0; i < of.n; i += within)
+    shuffle(old.begin() + i, std::min(within, of.n - i), random);
+  std::vector<std::int32_t> now(old.size());
+  for (std::size_t i = 0; i < old.size(); ++i)
+    now[static_cast<std::size_t>(old[i])] = static_cast<std::int32_t>(i) + 1;
+
+  matrix a = with_rows(of.n, of.m, of.columns.size());
+  for (const std::int32_t i : old) {
+    const auto first = a.columns.end() - a.columns.begin();
+    const auto row = static_cast<std::size_t>(i);
+    for (std::int32_t k = of.starts[row]; k < of.starts[row + 1]; ++k)
+      a.columns.push_back(
+          now[static_cast<std::size_t>(of.columns[static_cast<std::size_t>(k - 1)] - 1)]);
+    std::sort(a.columns.begin() + first, a.columns.end());
+    end_row(a);
+  }
   fill_values(a, random);
   return a;
 }

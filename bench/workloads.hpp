@@ -25,8 +25,15 @@ matrix uniform_random(double rows, int per_row = 8, std::uint64_t seed = 1);
 // Rows of 0 to `most` uniformly random columns, sorted, repeated ones merged.
 matrix uneven_random(double rows, int most = 15, std::uint64_t seed = 1);
 
+// Each row has columns up to `beside` away from the diagonal.
+matrix band(double rows, std::int32_t beside, std::uint64_t seed = 1);
+
 // So many unknowns at each point of a matrix: each entry becomes a block of entries.
 matrix several_unknowns(const matrix& of, std::int32_t number, std::uint64_t seed = 1);
+
+// The rows and columns of a square matrix in another order, mixed up among `within` neighbours, as
+// the points of an unstructured mesh are; rows sorted.
+matrix renumbered(const matrix& of, std::int32_t within, std::uint64_t seed = 1);
 
 // R-MAT (0.57, 0.19, 0.19, 0.05): about `rows` rows, rounded down to a power of 2, 16 edges drawn a
 // row, repeated ones merged, rows sorted.

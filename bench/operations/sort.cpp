@@ -19,6 +19,7 @@ operation sort() {
                   on("shuffled 27-point", twenty_seven_point_rows(), 262144, 2.2, shuffle),
                   on("shuffled random", random_rows(), 1e6, 2.2, shuffle),
                   on("shuffled R-MAT", rmat_rows(), 16384, 2.2, shuffle),
+                  on("shuffled band", band_rows(), 1e4, 0, shuffle),
                   on("shuffled uneven, in cache", uneven_rows(), 1e4, 0, shuffle),
                   on("sorted 5-point", five_point_rows(), 1e6, 1),
                   on("sorted 27-point", twenty_seven_point_rows(), 262144, 1)};

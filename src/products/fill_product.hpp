@@ -77,7 +77,7 @@ void fill_product(const csr_matrix& m1, const csr_matrix& m2, std::int32_t ncol,
   };
   if (of_one)
     walk(rows_of_one{});
-  else if (of.n > 0 && paths_watched::are_worth_it(of.ia.data()[of.n] - 1, of.ncol))
+  else if (of.n > 0 && paths_watched::are_worth_it(of.ia.data()[of.n] - 1))
     walk(rows_by_starts{of.ib.data()}, paths_watched{});
   else
     walk(rows_by_starts{of.ib.data()});

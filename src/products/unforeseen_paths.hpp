@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Paths of which a processor cannot foresee whether they lead to a new column. A wrong guess costs
 // as much as several paths, so they are better stored without a branch; where guesses are right, a
-// branch is half the price. A A of R-MAT graphs of 2^14 to 2^17 rows: 1.5 to 1.7 times as fast, of
-// a power network of 5300 rows 1.9 times, of a 27-point stencil whose points are shuffled within
-// 64 of them 1.2 to 1.5 times.
+// branch is half the price. A A of R-MAT graphs of 2^14 to 2^18 rows: 1.5 to 1.7 times as fast, of
+// 2^19 and 2^20 rows 1.25 and 1.1 times, of a power network of 5300 rows 1.9 times, of a 27-point
+// stencil whose points are shuffled within 64 of them 1.2 to 1.5 times.
 #pragma once
 
 #include <algorithm>
@@ -26,10 +26,9 @@ class paths_watched {
  public:
   static constexpr bool always = false;
 
-  // Is there enough to win? Few paths a processor knows by heart when it is asked again, and a
-  // marker that is larger than the second cache is waited for longer where there is no branch.
-  [[nodiscard]] static bool are_worth_it(std::int32_t entries, std::int32_t ncol) noexcept {
-    return entries >= 1 << 14 && ncol <= 1 << 17;
+  // Is there enough to win? Few paths a processor knows by heart when it is asked again.
+  [[nodiscard]] static bool are_worth_it(std::int32_t entries) noexcept {
+    return entries >= 1 << 14;
   }
 
   // How to walk the next row, of so many left entries.

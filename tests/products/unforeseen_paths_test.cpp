@@ -91,10 +91,9 @@ TEST_F(UnforeseenPaths, AreWatchedInOneRowOfManyOnly) {
   EXPECT_LT(watched, 2500);
 }
 
-TEST_F(UnforeseenPaths, AreLookedForInProductsOfSomeSizeWhoseMarkerIsNotTooLarge) {
-  EXPECT_FALSE(paths_watched::are_worth_it(1000, 1000));
-  EXPECT_TRUE(paths_watched::are_worth_it(100000, 1000));
-  EXPECT_FALSE(paths_watched::are_worth_it(100000, 1000000));
+TEST_F(UnforeseenPaths, AreLookedForInProductsOfSomeSize) {
+  EXPECT_FALSE(paths_watched::are_worth_it(1000));
+  EXPECT_TRUE(paths_watched::are_worth_it(100000));
 }
 
 }  // namespace
