@@ -194,18 +194,23 @@ void write_ratios(const std::filesystem::path& file, const std::vector<case_resu
 }
 
 void write_costs(const std::filesystem::path& folder, const std::vector<cost_point>& points) {
-  std::map<std::string, std::map<std::string, std::vector<cost_point>>> curves;
-  for (const cost_point& point : points) curves[point.operation][point.contestant].push_back(point);
-  for (const auto& [operation, contestants] : curves) {
+  std::map<std::string, std::vector<cost_point>> curves;
+  for (const cost_point& point : points) curves[point.operation].push_back(point);
+  for (const auto& [operation, measured] : curves) {
     std::string stem = operation;
     std::replace_if(
         stem.begin(), stem.end(), [](char c) { return c == ' ' || c == '\''; }, '_');
     std::ofstream out(folder / ("cost-" + stem + ".dat"));
-    // One block a contestant, as gnuplot's `index` wants it.
-    for (const auto& [contestant, curve] : contestants) {
+    // One block a contestant, as gnuplot's `index` wants it, in the order in which they came.
+    std::vector<std::string> contestants;
+    for (const cost_point& point : measured)
+      if (std::find(contestants.begin(), contestants.end(), point.contestant) == contestants.end())
+        contestants.push_back(point.contestant);
+    for (const std::string& contestant : contestants) {
       out << '"' << contestant << "\"\n";
-      for (const cost_point& point : curve)
-        out << text("%.0f %.4f\n", point.rows, point.nanoseconds);
+      for (const cost_point& point : measured)
+        if (point.contestant == contestant)
+          out << text("%.0f %.4f\n", point.rows, point.nanoseconds);
       out << "\n\n";
     }
   }
