@@ -294,10 +294,10 @@ std::int64_t pages_met() {
 
 // The square of 20 000 rows of 3 entries stands on 290 pages, for which there are others at first.
 TEST(FreshPages, AreMetByTheFirstOfSomeProductsAlone) {
-  tests::entry_rows rows(20000);
+  tests::entry_rows diagonals(20000);
   for (std::int32_t i = 2; i < 20000; ++i)
-    rows[static_cast<std::size_t>(i - 1)] = {{i - 1, -1.0}, {i, 2.0}, {i + 1, -1.0}};
-  const csr_matrix a = tests::real_matrix(20000, rows);
+    diagonals[static_cast<std::size_t>(i - 1)] = {{i - 1, -1.0}, {i, 2.0}, {i + 1, -1.0}};
+  const csr_matrix a = tests::real_matrix(20000, diagonals);
   const auto multiply = [&a] {
     csr_matrix square;
     csr_matrix_multiply(a, a, square);
