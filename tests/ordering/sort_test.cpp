@@ -10,7 +10,6 @@
 
 #include <algorithm>
 #include <limits>
-#include <numeric>
 #include <random>
 
 namespace {
@@ -242,8 +241,8 @@ TEST(Sort, OrdersRowsOfEveryLengthAsOneByOne) {
 // `length` different columns of the `spread` from `low` on, the first and the last among them, in no
 // order.
 std::vector<entry> near_row(std::int32_t length, std::int32_t spread, std::int32_t low) {
-  std::vector<std::int32_t> columns(static_cast<std::size_t>(spread));
-  std::iota(columns.begin(), columns.end(), low);
+  std::vector<std::int32_t> columns;
+  for (std::int32_t k = 0; k < spread; ++k) columns.push_back(low + k);
   std::minstd_rand walk(static_cast<unsigned>(length + spread));
   std::swap(columns[1], columns.back());
   std::shuffle(columns.begin() + 2, columns.end(), walk);
