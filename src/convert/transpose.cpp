@@ -72,7 +72,7 @@ bool mirrored(const csr_matrix& mat, csr_matrix& mat_t) {
                                         })
                              : pairs_up(mat, cursor, [](std::int32_t, std::int32_t) {});
   if (!symmetric) return false;
-  std::copy_n(mat.ia.data(), mat_t.ia.length(), cursor);
+  std::copy_n(mat.ia.data(), mat_t.ia.length(), mat_t.ia.data());
   std::copy_n(mat.ja.data(), mat_t.ja.length(), mat_t.ja.data());
   return true;
 }

@@ -22,7 +22,7 @@ namespace csr_matrix_mod {
 // Short rows are sorted by counting for each entry those with a smaller column, longer ones by the
 // slots of their columns if these lie near each other, else by radix; none of it branches on a
 // comparison, half of which a processor guesses wrong. Against a sort by comparison of each row, 10
-// times as fast for 5 points a row, 9 for 27, 12 for 8 random columns, 16 for a band, 5 for R-MAT;
+// times as fast for 5 points a row, 9 for 27, 12 for 8 random columns, 16 for a band, 7 for R-MAT;
 // where a third of the columns are repeated, 1.4 to 5 times.
 class row_sorter {
  public:

@@ -3,7 +3,7 @@
 // 1.0 instead of 8.4. Digits from tables of four rather than calculated are 30 % of the one and
 // half of the other; a multiplication of doubles rather than of integers of 128 bits 25 % of the
 // first.
-#include "eight_digits.hpp"
+#include "eight_bytes.hpp"
 #include "matrix_fields.hpp"
 
 #include <algorithm>

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // A g20.8 field takes 4.6 ns instead of 25 to 37 the general way, an i10 field 2.3 instead of 10,
 // the search for the line's end not counted: a text file is read 3 times as fast.
+#include "eight_bytes.hpp"
 #include "eight_digits.hpp"
 #include "matrix_fields.hpp"
 
