@@ -149,7 +149,10 @@ template <diagonal Diagonal, class Values, class Path, class Rows, class Beside 
               // Compared without a sign, so that compilers add the carry.
               const bool is_new =
                   static_cast<std::uint32_t>(before) < static_cast<std::uint32_t>(first);
-              const std::int32_t at = is_new ? pos + 1 : before;
+              // Where there are no values, compilers take a branch for such a choice.
+              const std::int32_t mask = is_new ? -1 : 0;
+              const std::int32_t at = Values::stored ? (is_new ? pos + 1 : before)
+                                                     : before ^ ((before ^ (pos + 1)) & mask);
               columns[pos] = column;
               values.set(pos + 1, -0.0);  // to which a value is added without a change
               mark[column - 1] = at;
