@@ -8,6 +8,7 @@
 #include "rows_ahead.hpp"
 #include "rows_of_one.hpp"
 #include "shifted_rows.hpp"
+#include "twin_paths.hpp"
 #include "twin_rows.hpp"
 #include "unforeseen_paths.hpp"
 
@@ -15,6 +16,7 @@
 
 #include <cstdint>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 
 namespace csr_matrix_mod::products {
@@ -61,11 +63,14 @@ void fill_product(const csr_matrix& m1, const csr_matrix& m2, std::int32_t ncol,
         of, to, path, routine, rows_by_starts{of.ib.data()},
         repeated_rows<Diagonal, Values, Path>(of, to, path, found.left(), found.right(), m2.n));
   const bool of_one = rows_of_one::are(of.ib, m2.n);
-  if constexpr (Diagonal == diagonal::kept && Values::stored && Path::multiplies_values) {
-    twin_rows twins(of, to, path, m2.n);
-    if (!of_one && twins.look())
+  constexpr bool counted = !Path::multiplies_values;
+  if constexpr (counted || Diagonal == diagonal::kept) {
+    using rows_together =
+        std::conditional_t<counted, twin_paths<Diagonal, Values, Path>, twin_rows>;
+    twins alike(of, m2.n);
+    if (!of_one && alike.look())
       return store_entries<Diagonal>(of, to, path, routine, rows_by_starts{of.ib.data()},
-                                     std::move(twins));
+                                     rows_together(of, to, path, std::move(alike)));
   }
   const auto walk = [&](const auto right_rows, const auto... foresight) {
     if (left_columns_jump(of))

@@ -18,10 +18,16 @@ namespace {
 template <std::size_t Lanes, std::size_t Bytes>
 class walk {
  public:
-  [[gnu::always_inline]] inline walk(const left_twins& left, const right_rows_and_twins& right,
-                                     std::int32_t pos, std::int32_t* mark, double* sums,
-                                     std::int32_t* columns)
-      : left_(left), right_(right), first_(pos + 1), mark_(mark), sums_(sums), columns_(columns) {}
+  [[gnu::always_inline]] inline walk(const left_twins& left, const right_twins& right,
+                                     const double* right_values, std::int32_t pos,
+                                     std::int32_t* mark, double* sums, std::int32_t* columns)
+      : left_(left),
+        right_(right),
+        right_values_(right_values),
+        first_(pos + 1),
+        mark_(mark),
+        sums_(sums),
+        columns_(columns) {}
 
   [[gnu::always_inline]] inline std::int32_t store(double* values) {
     for (std::int32_t k = 0; k < left_.entries;) {
@@ -66,7 +72,7 @@ class walk {
     const std::int32_t start = right_.starts[j - 1];
     const std::int64_t length = right_.starts[j] - start;
     const std::int32_t* const columns = right_.columns + (start - 1);
-    const double* const values = right_.values + (start - 1);
+    const double* const values = right_values_ + (start - 1);
     std::int32_t width = width_;
     for (std::int64_t l = 0; l < length; ++l) {
       const std::int32_t column = columns[l];
@@ -97,7 +103,8 @@ class walk {
   }
 
   const left_twins left_;
-  const right_rows_and_twins right_;
+  const right_twins right_;
+  const double* const right_values_;
   const std::int32_t first_;
   std::int32_t* const mark_;
   double* const sums_;
@@ -107,27 +114,30 @@ class walk {
 
 template <std::size_t Bytes>
 [[gnu::always_inline]] inline std::int32_t walk_any(const left_twins& left,
-                                                    const right_rows_and_twins& right,
-                                                    std::int32_t pos, std::int32_t* mark,
-                                                    double* sums, std::int32_t* columns,
-                                                    double* values) {
-  if (left.rows == 2) return walk<2, Bytes>(left, right, pos, mark, sums, columns).store(values);
-  if (left.rows <= 4) return walk<4, Bytes>(left, right, pos, mark, sums, columns).store(values);
-  return walk<8, Bytes>(left, right, pos, mark, sums, columns).store(values);
+                                                    const right_twins& right,
+                                                    const double* right_values, std::int32_t pos,
+                                                    std::int32_t* mark, double* sums,
+                                                    std::int32_t* columns, double* values) {
+  if (left.rows == 2)
+    return walk<2, Bytes>(left, right, right_values, pos, mark, sums, columns).store(values);
+  if (left.rows <= 4)
+    return walk<4, Bytes>(left, right, right_values, pos, mark, sums, columns).store(values);
+  return walk<8, Bytes>(left, right, right_values, pos, mark, sums, columns).store(values);
 }
 
-std::int32_t walk_16(const left_twins& left, const right_rows_and_twins& right, std::int32_t pos,
-                     std::int32_t* mark, double* sums, std::int32_t* columns, double* values) {
-  return walk_any<16>(left, right, pos, mark, sums, columns, values);
+std::int32_t walk_16(const left_twins& left, const right_twins& right, const double* right_values,
+                     std::int32_t pos, std::int32_t* mark, double* sums, std::int32_t* columns,
+                     double* values) {
+  return walk_any<16>(left, right, right_values, pos, mark, sums, columns, values);
 }
 
 #if CSR_MATRIX_MOD_WIDE_REGISTERS
 
-[[gnu::target("avx2")]] std::int32_t walk_32(const left_twins& left,
-                                             const right_rows_and_twins& right, std::int32_t pos,
+[[gnu::target("avx2")]] std::int32_t walk_32(const left_twins& left, const right_twins& right,
+                                             const double* right_values, std::int32_t pos,
                                              std::int32_t* mark, double* sums,
                                              std::int32_t* columns, double* values) {
-  return walk_any<32>(left, right, pos, mark, sums, columns, values);
+  return walk_any<32>(left, right, right_values, pos, mark, sums, columns, values);
 }
 
 #endif

@@ -35,6 +35,12 @@ class scratch {
     return storage_ != nullptr;
   }
 
+  // Room for so many elements at least, twice as many as before where that was less, whose contents
+  // are lost then. False as above.
+  [[nodiscard]] bool make_room(std::int64_t elements) noexcept {
+    return elements <= length() || allocate(std::max(elements, 2 * length()), contents::undefined);
+  }
+
   [[nodiscard]] T& operator()(std::int64_t i) noexcept {
     assert(1 <= i && i <= length_);
     return storage_.get()[i - 1];
