@@ -129,7 +129,8 @@ void csr_matrix_fill(csr_matrix& mat, std::int32_t i, array_view<std::int32_t> p
 
 /// Appends the entry (j, v) to a row buffer.
 /// Requires: `ja` and `a` hold storage of equal length.
-/// Ensures: `count` has grown by 1; a full buffer grows to count + max(count/10, 10).
+/// Ensures: `count` has grown by 1; a full buffer grows to count + max(count/10, 10), to
+/// 2147483647 at most.
 /// Cost: amortised; a growth copies the buffer.
 /// Stops: never. Where there is no room to grow, the entry is not appended and `count` is kept.
 void csr_matrix_extrow(csr_row& row, std::int32_t j, double v);

@@ -187,7 +187,8 @@ using stop_handler = void (*)(std::string_view message);
 /// Stops: never.
 stop_handler set_stop_handler(stop_handler handler) noexcept;
 
-/// Gives `array` new storage of exactly `new_length` elements and keeps the leading ones.
+/// Gives `array` new storage of exactly `new_length` elements, 0 if negative, and keeps the leading
+/// ones.
 /// Requires: `array` holds storage.
 /// Ensures: returns 0; the first min(old, new) elements are kept, further ones are undefined; other
 /// references to the old storage keep it. Returns 1, and leaves `array` as it was, if there is no

@@ -5,6 +5,8 @@
 #include <csr_matrix_mod/csr_matrix.hpp>
 
 #include <algorithm>
+#include <cstdint>
+#include <limits>
 
 namespace csr_matrix_mod {
 
@@ -60,12 +62,15 @@ void csr_matrix_fill(csr_matrix& mat, std::int32_t i, array_view<std::int32_t> p
 }
 
 void csr_matrix_extrow(csr_row& row, std::int32_t j, double v) {
-  const std::int32_t count = row.count + 1;
+  constexpr std::int64_t most = std::numeric_limits<std::int32_t>::max();
+  const std::int64_t count = std::int64_t{row.count} + 1;
+  if (count > most) return;
   if (std::min(row.ja.length(), row.a.length()) < count) {
-    const std::int32_t capacity = count + std::max(count / 10, 10);
+    const auto capacity =
+        static_cast<std::int32_t>(std::min(count + std::max<std::int64_t>(count / 10, 10), most));
     if (iexpand1(row.ja, capacity) != 0 || expand1(row.a, capacity) != 0) return;
   }
-  row.count = count;
+  row.count = static_cast<std::int32_t>(count);
   row.ja(count) = j;
   row.a(count) = v;
 }

@@ -58,6 +58,24 @@ TEST(TheLargestNumberOfEntries, AsksForAllOfThem) {
                  "allocation error in csr_matrix_allocate", columns_in_bytes);
 }
 
+// Storage of so many elements, of which none is there. A refused request leaves all as it was.
+TEST(TheLargestNumberOfEntries, IsWhereARowBufferGrowsTo) {
+  constexpr std::int32_t many = 1'960'000'000;
+  std::int32_t column = 0;
+  double value = 0.0;
+  csr_row row{many, array_ref<std::int32_t>::wrap(&column, many),
+              array_ref<double>::wrap(&value, many)};
+  const stopped_call seen = stopped([&] { csr_matrix_extrow(row, 1, 1.0); });
+  EXPECT_EQ(seen.stop, std::nullopt);
+  EXPECT_EQ(seen.largest_request, columns_in_bytes);
+  EXPECT_EQ(row.count, many);
+
+  row = {largest, array_ref<std::int32_t>::wrap(&column, largest),
+         array_ref<double>::wrap(&value, largest)};
+  EXPECT_EQ(stopped([&] { csr_matrix_extrow(row, 1, 1.0); }).largest_request, 0);
+  EXPECT_EQ(row.count, largest);
+}
+
 TEST(TheLargestNumberOfColumns, AsksForAMarkerOfThem) {
   const csr_matrix one = tests::real_matrix(1, {{{1, 2.0}}});
   const csr_matrix row = long_row();
