@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "market_lines.hpp"
 
-#include "../io/file_error.hpp"
+#include "../support/quoted.hpp"
+#include "../support/read_number.hpp"
 
 #include <algorithm>
-#include <charconv>
 #include <string>
 #include <system_error>
 
@@ -19,34 +19,6 @@ constexpr bool is_no_blank(char c) noexcept { return !is_blank(c); }
 
 // A line that the source had to cut is longer, also when a carriage return went from its end.
 constexpr std::size_t longest_line = byte_source::kept_of_a_line - 2;
-
-// The format allows a plus sign, `from_chars` does not.
-std::string_view without_plus(std::string_view text) {
-  const bool plus = text.size() > 1 && text[0] == '+' && text[1] != '-';
-  return plus ? text.substr(1) : text;
-}
-
-// An error unless the whole text is a number that `Number` can hold.
-template <class Number>
-std::errc read_number(std::string_view text, Number& number) {
-  text = without_plus(text);
-  const char* const end = text.data() + text.size();
-  const auto [stopped_at, error] = std::from_chars(text.data(), end, number);
-  return stopped_at == end ? error : std::errc::invalid_argument;
-}
-
-// Of a number that no double holds: is it too small, rather than too large? The power of ten of its
-// first digit tells.
-bool is_tiny(std::string_view number) {
-  const std::size_t letter = std::min(number.find_first_of("eE"), number.size());
-  const std::string_view mantissa = number.substr(0, letter);
-  const std::size_t point = std::min(mantissa.find('.'), mantissa.size());
-  const std::size_t first_digit = mantissa.find_first_of("123456789");
-  const std::string_view power = number.substr(std::min(letter + 1, number.size()));
-  std::int32_t exponent = 0;
-  if (read_number(power, exponent) == std::errc::result_out_of_range) return power.front() == '-';
-  return exponent + static_cast<std::int64_t>(point) < static_cast<std::int64_t>(first_digit);
-}
 
 bool is_integer(std::string_view text) {
   if (text.front() == '+' || text.front() == '-') text.remove_prefix(1);
@@ -94,11 +66,9 @@ std::int32_t market_lines::integer(std::size_t k, std::string_view what, std::in
 
 double market_lines::real_value(std::size_t k) const {
   double value = 0.0;
-  const std::errc error = read_number(field(k), value);
-  if (error == std::errc{}) return value;
-  if (error != std::errc::result_out_of_range || !is_tiny(field(k)))
+  if (read_real(field(k), value) != std::errc{})
     refuse_quoted("a value that a double can hold", field(k));
-  return field(k).front() == '-' ? -0.0 : 0.0;
+  return value;
 }
 
 double market_lines::integer_value(std::size_t k) const {

@@ -41,20 +41,4 @@ void at_file(std::string_view name, std::string_view failure, const Body& body) 
   }
 }
 
-// What was found in a file, between quotes: long text is cut, and bytes that could upset a terminal
-// are given as \xNN.
-[[nodiscard]] inline std::string quoted(std::string_view text) {
-  constexpr std::size_t most = 40;
-  constexpr std::string_view hex = "0123456789abcdef";
-  std::string line = "'";
-  for (const char c : text.substr(0, most)) {
-    const auto byte = static_cast<unsigned char>(c);
-    if (' ' <= c && c <= '~')
-      line += c;
-    else
-      line.append("\\x").append({hex[byte >> 4], hex[byte & 15]});
-  }
-  return line.append(text.size() > most ? "'..." : "'");
-}
-
 }  // namespace csr_matrix_mod

@@ -2,7 +2,7 @@
 // The text encoding: one item a line, taken from its first columns; what follows a field is passed
 // over.
 #include "../support/matrix_fields.hpp"
-#include "file_error.hpp"
+#include "../support/quoted.hpp"
 #include "matrix_encodings.hpp"
 #include "row_lines.hpp"
 
