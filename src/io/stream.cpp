@@ -71,7 +71,7 @@ bool byte_source::refill() {
   return end_ != 0;
 }
 
-bool byte_source::next_line(std::string_view& line) {
+bool byte_source::next_line(std::string_view& line, std::string_view passed_over) {
   kept_.clear();
   bool begun = false;
   while (next_ != end_ || refill()) {
@@ -81,7 +81,9 @@ bool byte_source::next_line(std::string_view& line) {
     const void* const feed = std::memchr(first, '\n', held);
     const std::size_t length =
         feed != nullptr ? static_cast<std::size_t>(static_cast<const char*>(feed) - first) : held;
-    const std::string_view piece(first, std::min(length, kept_of_a_line - kept_.size()));
+    std::string_view piece(first, length);
+    if (kept_.empty()) piece.remove_prefix(std::min(piece.find_first_not_of(passed_over), length));
+    piece = piece.substr(0, kept_of_a_line - kept_.size());
     next_ += length;
     if (feed != nullptr) {
       ++next_;

@@ -40,9 +40,9 @@ class byte_source {
   byte_source(std::FILE* file, std::string_view name);
 
   // The next line without its end (a line feed, or carriage return and line feed); false at the end
-  // of the file. Only the first `kept_of_a_line` bytes of a longer line are given. The view holds
-  // until the next call.
-  [[nodiscard]] bool next_line(std::string_view& line);
+  // of the file. Only the first `kept_of_a_line` bytes of a longer line are given, behind those at
+  // its begin that are `passed_over`. The view holds until the next call.
+  [[nodiscard]] bool next_line(std::string_view& line, std::string_view passed_over = {});
   static constexpr std::size_t kept_of_a_line = 1024;
 
   // The bytes from the next line on that are in the buffer, and the way past the first `count`

@@ -29,7 +29,7 @@ class text_matrix_file final : public matrix_file {
 
   // Blank lines before the first item are passed over.
   void read_type(matrix_type& type) override {
-    do next_line("a truth value, T or F", 1);
+    do next_line("a truth value, T or F", 1, blanks);
     while (is_blank(line_));
     const std::optional<bool> pattern = truth_in(line_);
     if (!pattern) refuse_field("a truth value, T or F", line_);
@@ -66,7 +66,7 @@ class text_matrix_file final : public matrix_file {
 
   void finish() override {
     if (!strict()) return;
-    while (source().next_line(line_))
+    while (source().next_line(line_, blanks))
       if (!is_blank(line_)) refuse_field(end_of_file, line_);
   }
 
@@ -94,8 +94,9 @@ class text_matrix_file final : public matrix_file {
   }
 
   // The next line, of whose first `columns` columns a strict reader must be sure.
-  void next_line(std::string_view expected, std::size_t columns) {
-    if (!source().next_line(line_))
+  void next_line(std::string_view expected, std::size_t columns,
+                 std::string_view passed_over = {}) {
+    if (!source().next_line(line_, passed_over))
       refuse(line_place(source().line_number() + 1), expected, end_of_file);
     if (strict() && source().line_unfinished() && line_.size() < columns)
       refuse_line(expected, "the file cut after " + quoted(line_));
@@ -158,7 +159,7 @@ class text_matrix_file final : public matrix_file {
 
   void pass_empty_row(std::int64_t i) {
     const auto expected = [i] { return "the empty line of row " + std::to_string(i); };
-    if (!source().next_line(line_))
+    if (!source().next_line(line_, blanks))
       refuse(line_place(source().line_number() + 1), expected(), end_of_file);
     if (strict() && !is_blank(line_)) refuse_field(expected(), line_);
   }

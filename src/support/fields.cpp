@@ -260,7 +260,7 @@ std::optional<bool> truth_in(std::string_view line) noexcept {
 }
 
 bool is_blank(std::string_view line) noexcept {
-  return line.find_first_not_of(" \t\r") == std::string_view::npos;
+  return line.find_first_not_of(blanks) == std::string_view::npos;
 }
 
 }  // namespace csr_matrix_mod

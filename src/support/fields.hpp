@@ -50,7 +50,10 @@ constexpr double rounds_to_power(int k, int digits) noexcept {
 // follows.
 [[nodiscard]] std::optional<bool> truth_in(std::string_view line) noexcept;
 
-// Nothing but blanks (tabs and carriage returns included)?
+// Blanks, tabs and carriage returns.
+inline constexpr std::string_view blanks = " \t\r";
+
+// Nothing but blanks?
 [[nodiscard]] bool is_blank(std::string_view line) noexcept;
 
 }  // namespace csr_matrix_mod

@@ -89,6 +89,12 @@ TEST_F(Read, ReadsAMatrixWithoutRowsFromThreeLines) {
   EXPECT_EQ(mat.ia(1), 1);
 }
 
+TEST_F(Read, PassesOverAnyNumberOfBlanksBeforeTheFirstItem) {
+  const csr_matrix mat = tests::read_back(
+      file(std::string(3000, ' ') + "\tF\n         0         4\n         1\n"), {}, 0, 0);
+  EXPECT_EQ(mat.m, 4);
+}
+
 TEST_F(Read, NeedsNoValuesOfAStructureOnlyMatrix) {
   csr_matrix mat;
   ASSERT_TRUE(mat.ia.allocate(2) && mat.ja.allocate(1));

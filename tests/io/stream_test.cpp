@@ -82,6 +82,20 @@ TEST_P(Stream, GivesTheBeginningOfALongLine) {
   EXPECT_EQ(got[1], "next");
 }
 
+TEST_P(Stream, PassesOverTheBeginningOfALine) {
+  const std::string many(5000, ' ');
+  std::string_view line;
+  read(many + "a b\n\n  c", [&](byte_source& source) {
+    EXPECT_TRUE(source.next_line(line, " "));
+    EXPECT_EQ(line, "a b");
+    EXPECT_TRUE(source.next_line(line, " "));
+    EXPECT_EQ(line, "");
+    EXPECT_TRUE(source.next_line(line, " "));
+    EXPECT_EQ(line, "c");
+    EXPECT_FALSE(source.next_line(line, " "));
+  });
+}
+
 TEST_P(Stream, ReadsAndSkipsAcrossSeams) {
   std::string bytes;
   for (int k = 0; k < 300; ++k) bytes += static_cast<char>(k);
