@@ -44,9 +44,9 @@ class shifted_rows {
     if (length == 0 || length != start - before) return false;
     const std::int32_t* const first = columns + (before - 1);
     const std::int32_t* const second = columns + (start - 1);
-    if (second[0] != first[0] + 1) return false;
+    if (second[0] - first[0] != 1) return false;
     std::int32_t differing = 0;
-    for (std::int32_t t = 1; t < length; ++t) differing |= second[t] ^ (first[t] + 1);
+    for (std::int32_t t = 1; t < length; ++t) differing |= (second[t] - first[t]) ^ 1;
     return differing == 0;
   }
 

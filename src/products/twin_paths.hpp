@@ -40,16 +40,15 @@ class twin_paths : public walk_alone {
     if (rows == 1 || !find_room(twins_.most_entries(i))) return 0;
     const std::int32_t first = pos + 1;
     const std::int32_t width = walk(i, first, mark);
-    for (const auto end = static_cast<std::int32_t>(i) + rows; i < end; ++i) {
-      const auto row = static_cast<std::int32_t>(i);
-      const std::int32_t own = row <= ncol_ ? mark[row - 1] - first : -1;
+    for (const std::int64_t end = i + rows; i < end; ++i) {
+      const std::int32_t own = i <= ncol_ ? mark[i - 1] - first : -1;
       if (Diagonal == diagonal::skipped && own >= 0) {
         copy(0, own, pos);
         copy(own + 1, width, pos);
       } else {
         copy(0, width, pos);
       }
-      starts_[row] = pos + 1;
+      starts_[i] = pos + 1;
     }
     return rows;
   }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Products of stencils, whose rows repeat the row before moved by one column, against the two
 // passes that walk every row: the same arrays to the last bit.
+#include "../../src/products/shifted_rows.hpp"
+
 #include "faster_ways.hpp"
 
 #include <rapidcheck/gtest.h>
@@ -211,6 +213,15 @@ TEST(RepeatedRows, AreNotTakenForRowsThatLeadOverOthers) {
   for (std::int32_t j = 1; j <= 210; ++j)
     right[static_cast<std::size_t>(j - 1)].push_back({j <= 100 ? j : std::max(j - 10, 1), 3.0 / j});
   expect_product_of_the_passes(real_matrix(210, left), real_matrix(210, right));
+}
+
+// No column follows the largest.
+TEST(RepeatedRows, AreNotFoundInTheLargestColumn) {
+  constexpr std::int32_t largest = std::numeric_limits<std::int32_t>::max();
+  const std::vector<std::int32_t> starts{1, 3, 5, 7};
+  const std::vector<std::int32_t> columns{largest - 1, largest, largest, 1, largest, largest};
+  products::shifted_rows rows;
+  EXPECT_FALSE(rows.look(3, starts.data(), columns.data()));
 }
 
 // Room for the bits, for the patterns or for the sums is refused, once, twice or from then on: rows
