@@ -5,6 +5,7 @@
 #include "replacement.hpp"
 
 #include <fcntl.h>
+#include <strings.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <csr_matrix_mod/csr_matrix_mod.hpp>
@@ -18,6 +19,7 @@
 namespace csrmat {
 
 using namespace csr_matrix_mod;
+using namespace std::string_view_literals;
 
 namespace {
 
@@ -50,14 +52,16 @@ class open_file {
   int descriptor_;
 };
 
-// A binary file begins with a record of four bytes, whose length comes first, little end first.
+// A binary file begins with a record of four bytes, whose length comes first, in the byte order of
+// the machine that wrote it. What another one wrote is for the reader to refuse.
 file_kind kind_of_contents(const std::string& path) {
   const open_file file(path);
   std::array<char, 14> bytes{};
   const ssize_t got = read(file.descriptor(), bytes.data(), bytes.size());
   const std::string_view start(bytes.data(), static_cast<std::size_t>(got < 0 ? 0 : got));
-  if (start == "%%MatrixMarket") return file_kind::market;
-  if (start.substr(0, 4) == std::string_view("\4\0\0\0", 4)) return file_kind::binary;
+  const std::string_view length = start.substr(0, 4);
+  if (strncasecmp(bytes.data(), "%%MatrixMarket", bytes.size()) == 0) return file_kind::market;
+  if (length == "\4\0\0\0"sv || length == "\0\0\0\4"sv) return file_kind::binary;
   return file_kind::text;
 }
 

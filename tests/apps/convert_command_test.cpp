@@ -65,6 +65,25 @@ TEST(Convert, KnowsAFileWithoutSuffixByItsFirstBytes) {
   }
 }
 
+TEST(Convert, KnowsTheMarketByItsFirstWordInEitherCase) {
+  const matrix_folder folder;
+  folder.write("plain", "%%matrixMARKET matrix coordinate real general\n1 1 1\n1 1 5\n");
+  expect_quiet({"convert", folder.path("plain"), folder.path("out.mtx")});
+  EXPECT_EQ(folder.read("out.mtx"),
+            "%%MatrixMarket matrix coordinate real general\n1 1 1\n1 1 5\n");
+}
+
+TEST(Convert, KnowsABinaryFileOfTheOtherByteOrder) {
+  const matrix_folder folder;
+  expect_quiet({"convert", folder.path("graph.mtx"), folder.path("plain"), "--to", "binary"});
+  std::string bytes = folder.read("plain");
+  std::reverse(bytes.begin(), bytes.begin() + 4);
+  folder.write("plain", bytes);
+  expect_refusal(
+      {"info", folder.path("plain")},
+      folder.path("plain") + ": record 1: expected 4 bytes, found them in the other byte order");
+}
+
 TEST(Convert, TakesTheWordOfTheUserBeforeTheSuffix) {
   const matrix_folder folder;
   expect_quiet({"convert", folder.path("square.mtx"), folder.path("text.mtx"), "--to", "text"});
