@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <cassert>
-#include <new>
 #include <span>
 
 namespace csrmat {

@@ -99,7 +99,7 @@ csr_matrix finite_elements(std::int32_t points, std::uint64_t seed) {
   const auto mesh_bytes = static_cast<std::int64_t>(sizeof(triangle) + sizeof(point)) * triangles;
   require_memory(mesh_bytes + (16 + 12) * entries, size);  // the mesh, three lists and the matrix
   // Whatever fits is a mesh of exact coordinates.
-  static_assert(std::int64_t{18} * most_cells * most_cells > most_entries);
+  static_assert(std::int64_t{18} * most_cells * most_cells > max_entries);
 
   triangle_mesh mesh = jittered_grid(static_cast<std::int32_t>(cells), seed);
   make_delaunay(mesh);

@@ -5,10 +5,8 @@
 #include "aggregation.hpp"
 
 #include <cstdint>
-#include <functional>
 #include <optional>
 #include <span>
-#include <string_view>
 
 namespace csrmat {
 

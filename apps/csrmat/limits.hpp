@@ -2,6 +2,7 @@
 // Sizes are worked out here before anything is allocated.
 #pragma once
 
+#include "../../src/support/entry_count.hpp"
 #include "failure.hpp"
 
 #include <unistd.h>
@@ -11,13 +12,13 @@
 
 namespace csrmat {
 
-inline constexpr std::int64_t most_entries = 2147483646;  // the last row start is one more
+using csr_matrix_mod::max_entries;
 
 // factor1 * factor2 of two counts; refused when there are more than fit, which `what` names.
 inline std::int64_t fitting_product(std::int64_t factor1, std::int64_t factor2,
                                     const std::string& what) {
-  if (factor1 != 0 && factor2 > most_entries / factor1)
-    throw failure(what + " do not fit, at most " + std::to_string(most_entries));
+  if (factor1 != 0 && factor2 > max_entries / factor1)
+    throw failure(what + " do not fit, at most " + std::to_string(max_entries));
   return factor1 * factor2;
 }
 
