@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tool.hpp"
 
+#include "../../src/support/quoted.hpp"
 #include "command.hpp"
 #include "console.hpp"
 #include "failure.hpp"
@@ -78,12 +79,21 @@ void declare(CLI::App& app) {
   }
 }
 
-// Everything that goes wrong ends here, in one line.
+// Would a terminal obey the byte at k rather than show it? In UTF-8 a byte from 0x80 to 0x9f is part
+// of a letter, but alone, or behind 0xc2, it is a control character.
+bool is_control(std::string_view text, std::size_t k) {
+  const auto c = static_cast<unsigned char>(text[k]);
+  const auto before = static_cast<unsigned char>(k == 0 ? ' ' : text[k - 1]);
+  const bool in_letter = before >= 0x80 && before != 0xc2;
+  return c < ' ' || c == 0x7f || (0x80 <= c && c < 0xa0 && !in_letter);
+}
+
+// Everything that goes wrong ends here, in one line that any terminal can show.
 int complain(std::string_view text) {
-  std::string line(text);
-  std::replace_if(
-      line.begin(), line.end(), [](char c) { return c == '\n' || c == '\r'; }, ' ');
-  line.erase(0, line.find_first_not_of(' '));
+  text.remove_prefix(std::min(text.find_first_not_of(' '), text.size()));
+  std::string line = text.rfind(": ", 0) == 0 ? "''" : "";  // the name of a file is empty
+  for (std::size_t k = 0; k < text.size(); ++k)
+    line += is_control(text, k) ? csr_matrix_mod::coded(text[k]) : std::string(1, text[k]);
   std::fprintf(stderr, "csrmat: %s\n", line.c_str());
   return EXIT_FAILURE;
 }
@@ -108,6 +118,8 @@ int run(int argc, char** argv) {
     app.exit(help, text);
     std::fputs(text.str().c_str(), results());
   } catch (const CLI::ParseError& error) {
+    if (app.get_subcommands().empty() && app.remaining_size() > 0)
+      return complain(app.remaining().front() + ": no such command; see csrmat --help");
     return complain(std::string(error.what()) + "; see csrmat --help");
   }
   return EXIT_SUCCESS;

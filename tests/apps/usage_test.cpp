@@ -43,7 +43,11 @@ TEST(Usage, WithoutACommandEndsInOneLine) {
   expect_refusal({}, "A subcommand is required; see csrmat --help");
 }
 
-TEST(Usage, AnUnknownCommandEndsInOneLine) { expect_refusal_about({"inform"}, "csrmat --help"); }
+TEST(Usage, AnUnknownCommandIsNamed) {
+  expect_refusal({"inform"}, "inform: no such command; see csrmat --help");
+  expect_refusal({"inform", "x.mtx"}, "inform: no such command; see csrmat --help");
+  expect_refusal({""}, "'': no such command; see csrmat --help");
+}
 
 TEST(Usage, AnUnknownOptionEndsInOneLine) {
   expect_refusal_about({"coarsen", "x.mtx", "--level", "3"}, "--level");
@@ -81,6 +85,31 @@ TEST(Usage, AMissingFileIsNamed) {
   for (const char* command : {"multiply", "sum"})
     expect_refusal({command, "/nowhere/a.mtx", "/nowhere/b.mtx", "/nowhere/c.mtx"}, reason);
   expect_refusal({"apply", "/nowhere/a.mtx", "/nowhere/x.txt"}, reason);
+}
+
+TEST(Usage, AnEmptyNameIsSeen) {
+  const matrix_folder folder;
+  expect_refusal({"info", ""}, "'': cannot be read: No such file or directory");
+  expect_refusal_about({"convert", folder.path("wide.mtx"), ""},
+                       "csrmat: '': no kind of file known by this suffix");
+}
+
+TEST(Usage, WhatWouldUpsetATerminalIsShownAsACode) {
+  const std::string reason = ": cannot be read: No such file or directory";
+  expect_refusal({"info", "no\x1b[31mx\n\x7f"}, "no\\x1b[31mx\\x0a\\x7f" + reason);
+  expect_refusal({"bo\x1bgus"}, "bo\\x1bgus: no such command; see csrmat --help");
+  // The same control character as a byte of its own and in UTF-8, and letters that share bytes.
+  expect_refusal({"info",
+                  "\x9b"
+                  "31m\xc2\x9b"
+                  "31m"},
+                 "\\x9b31m\xc2\\x9b31m" + reason);
+  expect_refusal({"info",
+                  "gr\xc3\xb6\xc3\x9f"
+                  "e\xe2\x82\xac"},
+                 "gr\xc3\xb6\xc3\x9f"
+                 "e\xe2\x82\xac" +
+                     reason);
 }
 
 TEST(Usage, AFolderIsNoMatrix) {
