@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: MIT
+#include "../../src/support/quoted.hpp"
+#include "../../src/support/read_number.hpp"
 #include "command.hpp"
 #include "console.hpp"
 #include "failure.hpp"
@@ -8,13 +10,14 @@
 
 #include <csr_matrix_mod/csr_matrix_mod.hpp>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <charconv>
 #include <cstring>
 #include <fstream>
 #include <memory>
-#include <string_view>
+#include <utility>
 #include <vector>
 
 namespace csrmat {
@@ -29,41 +32,68 @@ struct application {
   std::string y;
 };
 
-constexpr std::string_view blanks = " \t\r";
+// More digits than any double has.
+constexpr std::size_t longest_word = 2000;
 
-double number(std::string_view word, const std::string& place) {
-  if (word.size() > 1 && word[0] == '+' && word[1] != '-') word.remove_prefix(1);
-  double value = 0.0;
-  const auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), value);
-  if (error == std::errc::result_out_of_range)
-    throw failure(place + ": '" + std::string(word) + "' does not fit a double");
-  if (error != std::errc() || end != word.data() + word.size())
-    throw failure(place + ": expected a number, not '" + std::string(word.substr(0, 40)) + "'");
-  return value;
-}
+// The numbers between blanks and ends of lines of a file.
+class vector_reader {
+ public:
+  vector_reader(const std::string& path, std::int32_t length) : path_(path), length_(length) {}
 
-// Numbers between blanks and ends of lines, no more than `length` of them.
-std::vector<double> read_vector(const std::string& path, std::int32_t length) {
-  require_file(path);
-  std::ifstream file(path);
-  std::vector<double> elements;
-  std::int64_t line_number = 0;
-  for (std::string line; std::getline(file, line);) {
-    const std::string place = path + ", line " + std::to_string(++line_number);
-    const std::string_view text = line;
-    for (std::size_t k = text.find_first_not_of(blanks); k != text.npos;
-         k = text.find_first_not_of(blanks, k)) {
-      const std::size_t end = std::min(text.find_first_of(blanks, k), text.size());
-      elements.push_back(number(text.substr(k, end - k), place));
-      k = end;
-    }
+  std::vector<double> read() {
+    require_file(path_);
+    std::ifstream file(path_);
+    std::array<char, 4096> block{};
+    do {
+      file.read(block.data(), block.size());
+      std::for_each_n(block.data(), file.gcount(), [this](char c) { take(c); });
+    } while (file);
+    if (!file.eof()) throw failure(path_ + ": cannot be read: " + std::strerror(errno));
+    end_word();
+    if (std::cmp_less(elements_.size(), length_))
+      throw failure(path_ + ": " + expected() + std::to_string(elements_.size()));
+    return std::move(elements_);
   }
-  if (static_cast<std::int64_t>(elements.size()) != length)
-    throw failure(path + ": expected " + std::to_string(length) +
-                  " numbers, one for each column of the matrix, not " +
-                  std::to_string(elements.size()));
-  return elements;
-}
+
+ private:
+  void take(char c) {
+    const bool ends_line = c == '\n';
+    if (ends_line || c == ' ' || c == '\t' || c == '\r')
+      end_word();
+    else if (word_.push_back(c); word_.size() > longest_word)
+      refuse("expected a number of at most " + std::to_string(longest_word) + " characters, not " +
+             csr_matrix_mod::quoted(word_));
+    if (ends_line) ++line_;
+  }
+
+  void end_word() {
+    if (word_.empty()) return;
+    double value = 0.0;
+    const std::errc error = read_real(word_, value);
+    if (error == std::errc::result_out_of_range)
+      refuse(csr_matrix_mod::quoted(word_) + " does not fit a double");
+    if (error != std::errc())
+      refuse("expected a number, not " + csr_matrix_mod::quoted(word_));
+    if (std::cmp_equal(elements_.size(), length_)) refuse(expected() + "more");
+    elements_.push_back(value);
+    word_.clear();
+  }
+
+  [[nodiscard]] std::string expected() const {
+    return "expected " + std::to_string(length_) +
+           " numbers, one for each column of the matrix, not ";
+  }
+
+  [[noreturn]] void refuse(const std::string& why) const {
+    throw failure(path_ + ", line " + std::to_string(line_) + ": " + why);
+  }
+
+  const std::string& path_;
+  std::int32_t length_;
+  std::vector<double> elements_;
+  std::string word_;
+  std::int64_t line_ = 1;
+};
 
 // One element a line, in the fewest digits that read back as the same number.
 void print_vector(const std::vector<double>& elements, std::FILE* stream) {
@@ -88,7 +118,7 @@ void write_vector(const std::vector<double>& elements, const std::string& path) 
 
 void apply(const application& what) {
   const csr_matrix mat = with_values(read_matrix(what.matrix));
-  const std::vector<double> x = read_vector(what.x, mat.m);
+  const std::vector<double> x = vector_reader(what.x, mat.m).read();
   std::vector<double> y(static_cast<std::size_t>(mat.n));
   csr_matrix_multiply_rvector(mat, x, y);
   if (what.y.empty())

@@ -138,13 +138,44 @@ TEST(Apply, CountsTheEntriesOfAPatternAsOnes) {
 
 TEST(Apply, RefusesAVectorOfAnotherLength) {
   const matrix_folder folder;
-  for (const auto& [text, count] :
-       {std::pair<std::string, std::string>{"1 2 3", "3"}, {"1 2 3 4 5", "5"}, {"", "0"}}) {
+  for (const auto& [text, count] : {std::pair<std::string, std::string>{"1 2 3", "3"}, {"", "0"}}) {
     folder.write("x.txt", text);
     expect_refusal({"apply", folder.path("wide.mtx"), folder.path("x.txt")},
                    folder.path("x.txt") +
                        ": expected 4 numbers, one for each column of the matrix, not " + count);
   }
+}
+
+TEST(Apply, StopsAtTheFirstNumberTooMany) {
+  const matrix_folder folder;
+  folder.write("x.txt", "1\n2 3 4\n\n5 what comes then is not read");
+  expect_refusal({"apply", folder.path("wide.mtx"), folder.path("x.txt")},
+                 folder.path("x.txt") +
+                     ", line 4: expected 4 numbers, one for each column of the matrix, not more");
+}
+
+TEST(Apply, ReadsNumbersAsMatrixMarketDoes) {
+  const matrix_folder folder;
+  folder.write("row.mtx",
+               "%%MatrixMarket matrix coordinate real general\n1 4 4\n1 1 1e-400\n1 2 -1e-400\n"
+               "1 3 +.5\n1 4 -5.\n");
+  folder.write(
+      "ones.mtx",
+      "%%MatrixMarket matrix coordinate real general\n4 4 4\n1 1 1\n2 2 1\n3 3 1\n4 4 1\n");
+  folder.write("x.txt", "1e-400 -1e-400 +.5 -5.");
+  expect_quiet({"convert", folder.path("row.mtx"), folder.path("again.mtx")});
+  const std::string entries = folder.read("again.mtx");
+  EXPECT_NE(entries.find("\n1 1 0\n1 2 -0\n1 3 0.5\n1 4 -5\n"), std::string::npos) << entries;
+  EXPECT_EQ(csrmat({"apply", folder.path("ones.mtx"), folder.path("x.txt")}).out,
+            "0\n0\n0.5\n-5\n");
+}
+
+TEST(Apply, TakesAnErrorForNoEndOfTheFile) {
+  const std::string unmapped = "/proc/self/mem";  // a regular file whose beginning is not readable
+  if (!std::filesystem::exists(unmapped)) GTEST_SKIP() << "there is no such file here";
+  const matrix_folder folder;
+  expect_refusal({"apply", folder.path("wide.mtx"), unmapped},
+                 unmapped + ": cannot be read: Input/output error");
 }
 
 TEST(Apply, NamesTheLineOfAWordThatIsNoNumber) {
@@ -158,6 +189,13 @@ TEST(Apply, NamesTheLineOfAWordThatIsNoNumber) {
   refused("1\n2x 3 4\n", "expected a number, not '2x'");
   refused("1\n+-2 3 4\n", "expected a number, not '+-2'");
   refused("1\n1e999 3 4\n", "'1e999' does not fit a double");
+  refused(std::string("1\n\0\x1b[31m 3 4\n", 13), "expected a number, not '\\x00\\x1b[31m'");
+  refused("1\n2," + std::string(60, '3'),
+          "expected a number, not '2," + std::string(38, '3') + "'...");
+  refused("1\n" + std::string(1999, '9'),
+          "'" + std::string(40, '9') + "'... does not fit a double");
+  refused("1\n" + std::string(3050, '9'),
+          "expected a number of at most 2000 characters, not '" + std::string(40, '9') + "'...");
 }
 
 }  // namespace
