@@ -8,7 +8,6 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 
@@ -35,9 +34,9 @@ mode_t usual_mode() {
 
 }  // namespace
 
-replacement::replacement(const std::string& target) : target_(target), path_(target) {
+replacement::replacement(const std::string& target) : target_(target) {
   if (const std::string own = standard_output_as_file(target); !own.empty()) {
-    path_ = own;
+    target_ = own;
     return;
   }
   struct stat present {};
@@ -51,22 +50,13 @@ replacement::replacement(const std::string& target) : target_(target), path_(tar
   if (exists && !S_ISREG(present.st_mode)) return;
 
   target_ = followed(target);
-  path_ = target_ + ".XXXXXX";
-  const int file = mkstemp(path_.data());
-  if (file < 0) refuse(target);
-  beside_ = true;
-  fchmod(file, exists ? present.st_mode & static_cast<mode_t>(07777) : usual_mode());
-  close(file);
-}
-
-replacement::~replacement() {
-  if (beside_) unlink(path_.c_str());
+  beside_.emplace(target_ + ".XXXXXX");
+  const mode_t mode = exists ? present.st_mode & static_cast<mode_t>(07777) : usual_mode();
+  if (!beside_->create(mode)) refuse(target);
 }
 
 void replacement::commit() {
-  if (!beside_) return;
-  if (std::rename(path_.c_str(), target_.c_str()) != 0) refuse(target_);
-  beside_ = false;
+  if (beside_ && !beside_->become(target_)) refuse(target_);
 }
 
 }  // namespace csrmat

@@ -2,6 +2,9 @@
 // A file that appears under its name when it is complete, or not at all.
 #pragma once
 
+#include "unfinished_file.hpp"
+
+#include <optional>
 #include <string>
 
 namespace csrmat {
@@ -13,15 +16,13 @@ class replacement {
   explicit replacement(const std::string& target);
   replacement(const replacement&) = delete;
   replacement& operator=(const replacement&) = delete;
-  ~replacement();
 
-  [[nodiscard]] const std::string& path() const { return path_; }
+  [[nodiscard]] const std::string& path() const { return beside_ ? beside_->path() : target_; }
   void commit();
 
  private:
   std::string target_;
-  std::string path_;
-  bool beside_ = false;  // path_ is a sibling that goes away unless it is committed
+  std::optional<unfinished_file> beside_;
 };
 
 }  // namespace csrmat
