@@ -99,14 +99,6 @@ void dump_and_close(const std::string& path, file_kind kind, const csr_matrix& m
   close_unit(unit);
 }
 
-// A message about the file `written`, which the user knows as `asked`.
-std::string with_name_asked(const std::string& message, const std::string& written,
-                            const std::string& asked) {
-  const std::size_t at = message.find(written);
-  if (at == message.npos) return message;
-  return message.substr(0, at) + asked + message.substr(at + written.size());
-}
-
 }  // namespace
 
 const std::map<std::string, file_kind>& readable_kinds() {
@@ -124,6 +116,13 @@ const std::map<std::string, file_kind>& writable_kinds() {
                                                          {"ija", file_kind::ija},
                                                          {"hypergraph", file_kind::hypergraph}};
   return kinds;
+}
+
+std::string with_name_asked(std::string text, const std::string& written,
+                            const std::string& asked) {
+  for (std::size_t at = 0; (at = text.find(written, at)) != text.npos; at += asked.size())
+    text.replace(at, written.size(), asked);
+  return text;
 }
 
 void require_file(const std::string& path) {

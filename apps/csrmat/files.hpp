@@ -29,6 +29,9 @@ file_kind output_kind(const std::string& path, std::optional<file_kind> to = {})
 // Writes all of the file or leaves what was there before.
 void write_matrix(const std::string& path, file_kind kind, const csr_matrix& mat);
 
+// A text about the file `written`, which the user knows as `asked`.
+std::string with_name_asked(std::string text, const std::string& written, const std::string& asked);
+
 // Throws unless there is a regular file of this name that can be read.
 void require_file(const std::string& path);
 

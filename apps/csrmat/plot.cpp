@@ -3,6 +3,7 @@
 #include "console.hpp"
 #include "failure.hpp"
 #include "files.hpp"
+#include "replacement.hpp"
 
 #include <fcntl.h>
 #include <spawn.h>
@@ -12,8 +13,13 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <memory>
+#include <sstream>
 
 namespace csrmat {
 
@@ -30,26 +36,41 @@ void require_plain_name(const std::string& name) {
     throw failure(name + ": gnuplot would not take this for the name of a file");
 }
 
-// The command file of the plot, drawing into a PNG file instead.
-std::string png_commands(const std::string& plot) {
-  std::ifstream file(plot + ".com");
-  std::string commands;
-  for (std::string line; std::getline(file, line);) {
+std::string contents(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+// All files of a plot are replaced, which a device cannot be, and the matrix should not be.
+void require_replaceable(const std::string& name, const std::string& matrix) {
+  std::error_code unknown;
+  if (std::filesystem::equivalent(name, matrix, unknown))
+    throw failure(name + ": cannot be written: it is the matrix to plot");
+  if (std::filesystem::exists(name, unknown) && !std::filesystem::is_regular_file(name, unknown))
+    throw failure(name + ": cannot be written: not a regular file");
+}
+
+// The commands of the plot, drawing into a PNG file on standard output instead.
+std::string png_commands(const std::string& commands) {
+  std::istringstream lines(commands);
+  std::string text;
+  for (std::string line; std::getline(lines, line);) {
+    if (line.rfind("set out", 0) == 0) continue;
     if (line.rfind("set term", 0) == 0) line = "set term png size 900,900";
-    if (line.rfind("set out", 0) == 0) line = "set out \"" + plot + ".png\"";
-    commands += line + ";";
+    text += line + ";";
   }
-  return commands;
+  return text;
 }
 
 enum class outcome { absent, failed, done };
 
 // gnuplot is found by PATH; what it says is not for the reader of a matrix.
-outcome run_gnuplot(std::string commands) {
+outcome run_gnuplot(std::string commands, const std::string& in, const std::string& out) {
   posix_spawn_file_actions_t actions;
   posix_spawn_file_actions_init(&actions);
-  for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
-    posix_spawn_file_actions_addopen(&actions, stream, "/dev/null", O_RDWR, 0);
+  posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, in.c_str(), O_RDONLY, 0);
+  posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, out.c_str(), O_WRONLY | O_TRUNC, 0);
+  posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
   std::string program = "gnuplot";
   std::string option = "-e";
   std::array<char*, 4> argv = {program.data(), option.data(), commands.data(), nullptr};
@@ -64,30 +85,62 @@ outcome run_gnuplot(std::string commands) {
   return outcome::done;
 }
 
-void draw(const std::string& out) {
-  const std::string png = out + ".png";
-  switch (run_gnuplot(png_commands(out))) {
-    case outcome::absent:
-      std::fprintf(results(), "without %s: gnuplot is not installed\n", png.c_str());
-      return;
-    case outcome::failed:
-      throw failure(png + ": gnuplot could not draw it");
-    case outcome::done:
-      std::fprintf(results(), "wrote %s\n", png.c_str());
-  }
+// gnuplot does not notice that a disk is full, but a PNG file has an end of its own.
+bool is_whole_picture(const std::string& path) {
+  return contents(path).ends_with("IEND\xae\x42\x60\x82");
+}
+
+// Why there is no picture of the points; empty when there is.
+std::string draw(const std::string& commands, const std::string& points, const std::string& png,
+                 const std::string& picture) {
+  const std::string from_input = with_name_asked(commands, points, "/dev/stdin");
+  const outcome result = run_gnuplot(png_commands(from_input), points, picture);
+  if (result == outcome::absent) return "gnuplot is not installed";
+  if (result == outcome::failed || !is_whole_picture(picture))
+    throw failure(png + ": gnuplot could not draw it");
+  return {};
+}
+
+void write_text(const std::string& text, const std::string& path, const std::string& name) {
+  std::ofstream file(path);
+  file << text;
+  file.close();
+  if (!file) throw failure(name + ": cannot be written: " + std::strerror(errno));
 }
 
 void plot(const std::string& file, const std::string& out) {
   require_plain_name(out);
+  const std::string com = out + ".com";
+  const std::string png = out + ".png";
+  for (const std::string& name : {out, com, png}) require_replaceable(name, file);
   const csr_matrix mat = read_matrix(file);
-  csr_matrix_dump_gnuplot(mat, out);
+
+  replacement points(out);
+  const unfinished_file draft(points.path() + ".com");  // names the points as they are named now
+  replacement commands(com);
+  replacement picture(png);
+  try {
+    csr_matrix_dump_gnuplot(mat, points.path());
+  } catch (const failure& why) {
+    throw failure(with_name_asked(why.what(), points.path(), out));
+  }
   library_lines();  // it says what the next line says
-  std::fprintf(results(), "wrote %s and %s.com, which draws %s.ps\n", out.c_str(), out.c_str(),
+  const std::string drafted = contents(draft.path());
+  write_text(with_name_asked(drafted, points.path(), out), commands.path(), com);
+  const std::string missing = csr_matrix_num_nz(mat) == 0
+                                  ? "there is no entry to draw"
+                                  : draw(drafted, points.path(), png, picture.path());
+
+  points.commit();
+  commands.commit();
+  std::fprintf(results(), "wrote %s and %s, which draws %s.ps\n", out.c_str(), com.c_str(),
                out.c_str());
-  if (csr_matrix_num_nz(mat) == 0)
-    std::fprintf(results(), "without %s.png: there is no entry to draw\n", out.c_str());
-  else
-    draw(out);
+  if (!missing.empty()) {
+    std::fprintf(results(), "without %s: %s\n", png.c_str(), missing.c_str());
+    return;
+  }
+  picture.commit();
+  std::fprintf(results(), "wrote %s\n", png.c_str());
 }
 
 }  // namespace
