@@ -15,7 +15,6 @@
 #include <csr_matrix_mod/csr_matrix.hpp>
 
 #include <cstdint>
-#include <string_view>
 #include <type_traits>
 #include <utility>
 
@@ -54,13 +53,13 @@ class repeats {
 
 template <diagonal Diagonal, class Values, class Path>
 void fill_product(const csr_matrix& m1, const csr_matrix& m2, std::int32_t ncol, csr_matrix& m3,
-                  const Values& values, const Path& path, std::string_view routine) {
+                  const Values& values, const Path& path, std::int32_t* mark) {
   const operands of{m1.n, ncol, m1.ia, m1.ja, m2.ia, m2.ja};
   const product<Values> to{m3.ia, m3.ja, values};
   const repeats found(of, m2.n);
   if (found.any())
     return store_entries<Diagonal>(
-        of, to, path, routine, rows_by_starts{of.ib.data()},
+        of, to, path, mark, rows_by_starts{of.ib.data()},
         repeated_rows<Diagonal, Values, Path>(of, to, path, found.left(), found.right(), m2.n));
   const bool of_one = rows_of_one::are(of.ib, m2.n);
   constexpr bool counted = !Path::multiplies_values;
@@ -69,16 +68,16 @@ void fill_product(const csr_matrix& m1, const csr_matrix& m2, std::int32_t ncol,
         std::conditional_t<counted, twin_paths<Diagonal, Values, Path>, twin_rows>;
     twins alike(of, m2.n);
     if (!of_one && alike.look())
-      return store_entries<Diagonal>(of, to, path, routine, rows_by_starts{of.ib.data()},
+      return store_entries<Diagonal>(of, to, path, mark, rows_by_starts{of.ib.data()},
                                      rows_together(of, to, path, std::move(alike)));
   }
   const auto walk = [&](const auto right_rows, const auto... foresight) {
     if (left_columns_jump(of))
-      store_entries<Diagonal>(of, to, path, routine, right_rows,
+      store_entries<Diagonal>(of, to, path, mark, right_rows,
                               rows_ahead<Path, decltype(right_rows)>(of, path, right_rows),
                               foresight...);
     else
-      store_entries<Diagonal>(of, to, path, routine, right_rows, walk_alone{}, foresight...);
+      store_entries<Diagonal>(of, to, path, mark, right_rows, walk_alone{}, foresight...);
   };
   if (of_one)
     walk(rows_of_one{});

@@ -4,6 +4,7 @@
 
 #include "../csr_matrix/one_pass.hpp"
 #include "../support/entry_count.hpp"
+#include "../support/scratch.hpp"
 
 #include <csr_matrix_mod/csr_matrix.hpp>
 
@@ -13,13 +14,22 @@
 namespace csr_matrix_mod::products {
 
 // Either way the result is the same to the last bit, its capacity included. `count` and `fill` are
-// the two passes; `routine` is blamed for a count that does not fit.
+// the two passes, the second with a marker of `ncol` columns; `routine` is blamed for a count that
+// does not fit, `kernel` for a marker without room. One pass takes its marker before the room for
+// `most` entries, of which it may be that nothing is left.
 template <class Count, class Fill>
-void form_product(csr_matrix& result, std::int64_t most, std::string_view routine,
-                  const Count& count, const Fill& fill) {
-  if (formed_in_one_pass(result, most, fill)) return;
+void form_product(csr_matrix& result, std::int32_t ncol, std::int64_t most,
+                  std::string_view routine, std::string_view kernel, const Count& count,
+                  const Fill& fill) {
+  {
+    scratch<std::int32_t> marker;
+    if (marker.allocate(ncol, contents::zero) &&
+        formed_in_one_pass(result, most, [&] { fill(marker.data()); }))
+      return;
+  }
   csr_matrix_allocate(result, entry_count(count(), routine));
-  fill();
+  scratch<std::int32_t> marker(ncol, contents::zero, kernel);
+  fill(marker.data());
 }
 
 }  // namespace csr_matrix_mod::products

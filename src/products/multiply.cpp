@@ -25,16 +25,15 @@ void csr_matrix_multiply(const csr_matrix& m1, const csr_matrix& m2, csr_matrix&
 
   csr_matrix_initial(n, m3, m2.m, type);
   products::form_product(
-      m3, most_product_entries(m1, m2, nc), "csr_matrix_multiply",
+      m3, nc, most_product_entries(m1, m2, nc), "csr_matrix_multiply",
+      type == matrix_structure_only ? "matmul_noval" : "matmul_normal",
       [&] { return product_size(n, nc, m1.ia, m1.ja, m2.ia, m2.ja); },
-      [&] {
-        if (m3.type != matrix_structure_only)
+      [&](std::int32_t* mark) {
+        if (type != matrix_structure_only)
           fill_product<diagonal::kept>(m1, m2, nc, m3, sums{m3.a.data()},
-                                       values_multiplied{m1.a.data(), m2.a.data()},
-                                       "matmul_normal");
+                                       values_multiplied{m1.a.data(), m2.a.data()}, mark);
         else
-          fill_product<diagonal::kept>(m1, m2, nc, m3, no_values{}, paths_counted{},
-                                       "matmul_noval");
+          fill_product<diagonal::kept>(m1, m2, nc, m3, no_values{}, paths_counted{}, mark);
       });
 }
 
@@ -46,15 +45,15 @@ void csr_matrix_multiply_graph(const csr_matrix& g1, const csr_matrix& g2, csr_m
 
   csr_matrix_initial(n, g3, nc, matrix_real);
   products::form_product(
-      g3, most_product_entries(g1, g2, nc), "csr_matrix_multiply_graph",
+      g3, nc, most_product_entries(g1, g2, nc), "csr_matrix_multiply_graph",
+      wgt ? "matmul_wgraph" : "matmul_graph",
       [&] { return product_size_graph(n, nc, g1.ia, g1.ja, g2.ia, g2.ja); },
-      [&] {
+      [&](std::int32_t* mark) {
         if (wgt)
           fill_product<diagonal::skipped>(g1, g2, nc, g3, sums{g3.a.data()},
-                                          middle_vertex{wgt->data()}, "matmul_wgraph");
+                                          middle_vertex{wgt->data()}, mark);
         else
-          fill_product<diagonal::skipped>(g1, g2, nc, g3, sums{g3.a.data()}, paths_counted{},
-                                          "matmul_graph");
+          fill_product<diagonal::skipped>(g1, g2, nc, g3, sums{g3.a.data()}, paths_counted{}, mark);
       });
 }
 

@@ -85,14 +85,14 @@ struct rows_by_starts {
 };
 
 // Stores the entries of the product in the order in which paths first lead to them. The marker
-// holds the position at which a column was stored; a position before the row's first is one of an
-// earlier row, so it need not be cleared either. `left` times `right` of `path` is what a path is
+// `mark`, which is 0 at first, holds the position at which a column was stored; a position before
+// the row's first is one of an earlier row, so it need not be cleared either. `left` times `right` of `path` is what a path is
 // worth; `right_rows` is as `rows_by_starts`, `beside` as `walk_alone`, `foresight` as
 // `paths_foreseen`. A function of its own, so that what its loops need stays in registers.
 template <diagonal Diagonal, class Values, class Path, class Rows, class Beside = walk_alone,
           class Foresight = paths_foreseen>
 [[gnu::noinline]] void store_entries(const operands& of, const product<Values>& to, const Path path,
-                                     std::string_view routine, const Rows right_rows,
+                                     std::int32_t* const mark, const Rows right_rows,
                                      Beside beside = {}, Foresight foresight = {}) {
   const std::int32_t* const left_starts = of.ia.data();
   const std::int32_t* const left_columns = of.ja.data();
@@ -101,8 +101,6 @@ template <diagonal Diagonal, class Values, class Path, class Rows, class Beside 
   std::int32_t* const columns = to.jc.data();
   const Values values = to.values;
   [[maybe_unused]] const std::int64_t room = to.jc.length();
-  scratch<std::int32_t> marker(of.ncol, contents::zero, routine);
-  std::int32_t* const mark = marker.data();
 
   if (to.ic.length() > 0) starts[0] = 1;  // fewer than 0 rows have no row start
   std::int32_t pos = 0;
@@ -182,7 +180,8 @@ template <diagonal Diagonal, class Values, class Path, class Rows, class Beside 
 template <diagonal Diagonal, class Values, class Path>
 void store_entries(const operands& of, const product<Values>& to, const Path& path,
                    std::string_view routine) {
-  store_entries<Diagonal>(of, to, path, routine, rows_by_starts{of.ib.data()});
+  scratch<std::int32_t> marker(of.ncol, contents::zero, routine);
+  store_entries<Diagonal>(of, to, path, marker.data(), rows_by_starts{of.ib.data()});
 }
 
 }  // namespace csr_matrix_mod::products

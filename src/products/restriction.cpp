@@ -25,7 +25,8 @@ struct twin {
   std::string_view p_differs;
   std::string_view r_differs;
   decltype(product_size)* size;
-  void (*fill)(const csr_matrix& r, const csr_matrix& mp, csr_matrix& mc);
+  std::string_view kernel;
+  void (*fill)(const csr_matrix& r, const csr_matrix& mp, csr_matrix& mc, std::int32_t* mark);
 };
 
 // The third line shows the rows of r although its columns are compared; logs are searched for it.
@@ -52,10 +53,9 @@ void restriction(const csr_matrix& m1, const csr_matrix& p, const csr_matrix& r,
   csr_matrix_multiply(m1, p, mp);
   csr_matrix_initial(r.n, mc, mp.m, matrix_real);
   products::form_product(
-      mc, most_product_entries(r, mp, mp.m), form.routine,
+      mc, mp.m, most_product_entries(r, mp, mp.m), form.routine, form.kernel,
       [&] { return form.size(r.n, mp.m, r.ia, r.ja, mp.ia, mp.ja); },
-      [&] { form.fill(r, mp, mc); });
-  csr_matrix_deallocate(mp);
+      [&](std::int32_t* mark) { form.fill(r, mp, mc, mark); });
 }
 
 }  // namespace
@@ -68,10 +68,11 @@ void csr_matrix_restriction(const csr_matrix& m1, const csr_matrix& p, const csr
                .p_differs = "p not same size as size of m1",
                .r_differs = "r not same size as size of m1",
                .size = product_size,
-               .fill = [](const csr_matrix& left, const csr_matrix& mp, csr_matrix& result) {
+               .kernel = "matmul_normal",
+               .fill = [](const csr_matrix& left, const csr_matrix& mp, csr_matrix& result,
+                          std::int32_t* mark) {
                  fill_product<diagonal::kept>(left, mp, mp.m, result, sums{result.a.data()},
-                                              values_multiplied{left.a.data(), mp.a.data()},
-                                              "matmul_normal");
+                                              values_multiplied{left.a.data(), mp.a.data()}, mark);
                }});
 }
 
@@ -83,10 +84,12 @@ void csr_matrix_graph_restriction(const csr_matrix& g1, const csr_matrix& p, con
                .p_differs = "p not same size as size of g1",
                .r_differs = "r not same size as size of g1",
                .size = product_size_graph,
-               .fill = [](const csr_matrix& left, const csr_matrix& mp, csr_matrix& result) {
+               .kernel = "matmul_formgraph",
+               .fill = [](const csr_matrix& left, const csr_matrix& mp, csr_matrix& result,
+                          std::int32_t* mark) {
                  fill_product<diagonal::skipped>(left, mp, mp.m, result, sums{result.a.data()},
                                                  values_multiplied{left.a.data(), mp.a.data()},
-                                                 "matmul_formgraph");
+                                                 mark);
                }});
 }
 

@@ -83,9 +83,9 @@ TEST(TheLargestNumberOfColumns, AsksForAMarkerOfThem) {
   expect_refused(stopped([&] { csr_matrix_sum(row, row, result); }),
                  "allocation error in csr_matrix_sum", columns_in_bytes);
   expect_refused(stopped([&] { csr_matrix_multiply(one, row, result); }),
-                 "allocation error in matmul_normal", columns_in_bytes);
+                 "allocation error in matmul_size", columns_in_bytes);
   expect_refused(stopped([&] { csr_matrix_multiply_graph(one, row, result); }),
-                 "allocation error in matmul_graph", columns_in_bytes);
+                 "allocation error in matmul_size_graph", columns_in_bytes);
   std::int32_t nz = 0;
   expect_refused(stopped([&] { matmul_size(1, largest, one.ia, one.ja, row.ia, row.ja, nz); }),
                  "allocation error in matmul_size", columns_in_bytes);

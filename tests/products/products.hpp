@@ -44,8 +44,8 @@ inline void expect_exact_capacity(const csr_matrix& mat) {
   }
 }
 
-// Room for the most entries that a product may have is asked for first. Where it is refused the
-// product takes two passes instead, and nobody is told.
+// A marker and room for the most entries that a product may have are asked for first. Where one is
+// refused the product takes two passes instead, and nobody is told.
 inline const std::optional<std::string> two_passes = std::nullopt;
 
 // Refuses the first request of `call`, then the second, and so on: the k-th refusal ends in the
