@@ -3,9 +3,6 @@
 # not to be made use of. Costs nothing that is measured in the tool; the library's kernels are built
 # without, and who links them decides.
 function(csr_matrix_mod_hardened target)
-  if(NOT csr_matrix_mod_known_compiler)
-    return()
-  endif()
   target_compile_options(${target} PRIVATE -fstack-protector-strong)
   target_compile_definitions(${target} PRIVATE _GLIBCXX_ASSERTIONS)
   # The checks of the C library need an optimiser, and some compilers have set them already.

@@ -13,19 +13,11 @@ namespace csr_matrix_mod {
 inline constexpr std::size_t cache_line = 64;
 
 [[gnu::always_inline]] inline void prefetch_for_writing(const void* address) {
-#if defined(__GNUC__) || defined(__clang__)
   __builtin_prefetch(address, 1);
-#else
-  (void)address;
-#endif
 }
 
 [[gnu::always_inline]] inline void prefetch_for_reading(const void* address) {
-#if defined(__GNUC__) || defined(__clang__)
   __builtin_prefetch(address, 0);
-#else
-  (void)address;
-#endif
 }
 
 // The same for `number` elements that follow each other.
