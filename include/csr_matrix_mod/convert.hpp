@@ -24,8 +24,9 @@ namespace csr_matrix_mod {
 /// the kind of `mat`. Every row is sorted; entries that share row and column keep their order.
 /// Capacity is exactly the number of entries (1 if there are none).
 /// Cost: O(n + ncol + entries); no temporaries.
-/// Stops: as `csr_matrix_initial` and `csr_matrix_allocate`. Warns as `csr_matrix_allocate` when
-/// there are no entries.
+/// Stops: as `csr_matrix_initial` and `csr_matrix_allocate`; where rows share storage,
+/// "csr_matrix_transpose: COUNT entries do not fit, at most 2147483646". Warns as
+/// `csr_matrix_allocate` when there are no entries.
 void csr_matrix_transpose(const csr_matrix& mat, csr_matrix& mat_t,
                           std::optional<std::int32_t> ncol = {});
 

@@ -24,7 +24,7 @@ namespace csr_matrix_mod {
 /// is exactly the number of entries (1 if there are none). A number too small for a double is 0,
 /// `inf` and `nan` are read. Nothing is printed, no unit is taken. Storage is asked for only after
 /// the file has shown that it can hold as much.
-/// Cost: O(n + entries); the entries once more as coordinate lists, and n integers.
+/// Cost: O(n + entries); the entries, mirror images included, once more as coordinate lists.
 /// Stops: "FILE: cannot open for reading: REASON"; "FILE: cannot read: REASON"; "FILE: line N:
 /// expected ..., found ..." at a header of another kind, a bad number, an index outside the matrix,
 /// an entry above the diagonal of a symmetric file or on that of a skew-symmetric one, fields too
@@ -49,8 +49,9 @@ void csr_matrix_write_market(std::string_view filename, const csr_matrix& mat);
 /// `a` unless structure only) one for each entry, 1 if there are none. Nothing is printed, no unit
 /// is taken. Storage is asked for only after the file has shown that it holds as much.
 /// Cost: O(n + entries).
-/// Stops: as `csr_matrix_read`, and also with "FILE: PLACE: expected ..., found ..." where the file
-/// disagrees with itself: a number of columns below 0, row starts that do not begin with 1 or that
+/// Stops: "can not read this format!"; "FILE: cannot open for reading: REASON"; "FILE: cannot read:
+/// REASON"; "FILE: PLACE: expected ..., found ..." where `csr_matrix_read` stops on account of what
+/// the file holds, and where the file disagrees with itself: a number of columns below 0, row starts that do not begin with 1 or that
 /// decrease, a column outside 1 to m, fewer bytes than the counts promise, a record longer than its
 /// items, an entry on the line of an empty row, a last line cut in its field, anything behind the
 /// matrix; "allocation error in csr_matrix_load". `mat` is then as it was before.

@@ -42,8 +42,6 @@ void csr_matrix_dump_hypergraph(const csr_matrix& mat, std::string_view filename
     out.flush();
     unit.close_written(filename);
   });
-
-  csr_matrix_deallocate(columns);
 }
 
 }  // namespace csr_matrix_mod
