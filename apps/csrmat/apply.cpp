@@ -72,8 +72,7 @@ class vector_reader {
     const std::errc error = read_real(word_, value);
     if (error == std::errc::result_out_of_range)
       refuse(csr_matrix_mod::quoted(word_) + " does not fit a double");
-    if (error != std::errc())
-      refuse("expected a number, not " + csr_matrix_mod::quoted(word_));
+    if (error != std::errc()) refuse("expected a number, not " + csr_matrix_mod::quoted(word_));
     if (std::cmp_equal(elements_.size(), length_)) refuse(expected() + "more");
     elements_.push_back(value);
     word_.clear();

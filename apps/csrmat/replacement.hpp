@@ -14,8 +14,6 @@ namespace csrmat {
 class replacement {
  public:
   explicit replacement(const std::string& target);
-  replacement(const replacement&) = delete;
-  replacement& operator=(const replacement&) = delete;
 
   [[nodiscard]] const std::string& path() const { return beside_ ? beside_->path() : target_; }
   void commit();
