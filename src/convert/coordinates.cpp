@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Between a matrix and coordinate lists: row, column and value of each entry.
+#include "../csr_matrix/row_starts.hpp"
 #include "../support/entry_count.hpp"
 #include "../support/stop.hpp"
 #include "look_ahead.hpp"
-#include "row_starts.hpp"
 
 #include <csr_matrix_mod/convert.hpp>
 

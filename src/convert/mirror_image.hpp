@@ -3,7 +3,7 @@
 // itself.
 #pragma once
 
-#include "row_starts.hpp"
+#include "../csr_matrix/row_starts.hpp"
 
 #include <csr_matrix_mod/csr_matrix.hpp>
 

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 // The transpose: a counting sort of the entries by column.
+#include "../csr_matrix/row_starts.hpp"
 #include "../support/entry_count.hpp"
 #include "../support/prefetch.hpp"
 #include "look_ahead.hpp"
 #include "mirror_image.hpp"
-#include "row_starts.hpp"
 
 #include <csr_matrix_mod/convert.hpp>
 

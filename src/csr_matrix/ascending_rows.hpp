@@ -2,6 +2,8 @@
 // A look at a matrix that may need no work.
 #pragma once
 
+#include "row_starts.hpp"
+
 #include <csr_matrix_mod/csr_matrix.hpp>
 
 #include <algorithm>
@@ -17,10 +19,8 @@ namespace csr_matrix_mod {
                                                      std::int64_t first, std::int64_t last) {
   const std::int32_t low = starts[first - 1];
   const std::int32_t high = starts[last];
-  std::int32_t falls = 0;
   std::int32_t steps = 0;
-  for (std::int64_t i = first; i <= last; ++i) falls |= starts[i] < starts[i - 1] ? 1 : 0;
-  if (falls != 0) return -1;
+  if (!rows_follow(starts, first, last)) return -1;
   if (high - low < 2) return 0;
   for (std::int64_t i = first; i < last; ++i) {  // no branch: nobody foresees which rows are empty
     const std::int32_t start = starts[i];

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Reading a matrix file: the body that every reader shares, and the reader that fills the caller's
 // own storage.
+#include "../csr_matrix/row_starts.hpp"
 #include "file_error.hpp"
 #include "form_word.hpp"
 #include "matrix_encodings.hpp"
@@ -50,10 +51,7 @@ class given_storage final : public entry_storage {
     const std::int32_t* const starts = mat.ia.data();
     const std::int64_t room =
         mat.type == matrix_real ? std::min(mat.ja.length(), mat.a.length()) : mat.ja.length();
-    if (starts[0] < 1 || std::int64_t{starts[mat.n]} - 1 > room) return false;
-    std::int32_t falls = 0;
-    for (std::int64_t i = 1; i <= mat.n; ++i) falls += starts[i] < starts[i - 1] ? 1 : 0;
-    return falls == 0;
+    return starts[0] >= 1 && std::int64_t{starts[mat.n]} - 1 <= room && rows_follow(mat);
   }
 
   // Room for all entries before row start i.

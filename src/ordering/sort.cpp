@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Rows in ascending order of columns, each column once.
 #include "../csr_matrix/ascending_rows.hpp"
+#include "../csr_matrix/row_starts.hpp"
 #include "../support/scratch.hpp"
 #include "row_sorter.hpp"
 
@@ -54,13 +55,6 @@ void sort_row(std::int32_t& len, std::int32_t* cols, const Values& values) {
     cols[k - 1] = cols[p - 1];
   }
   len = k;
-}
-
-std::int32_t longest_row(const csr_matrix& mat) {
-  std::int32_t longest = 0;
-  const std::int32_t* const starts = mat.ia.data();
-  for (std::int64_t i = 1; i <= mat.n; ++i) longest = std::max(longest, starts[i] - starts[i - 1]);
-  return longest;
 }
 
 // Sorts every row and moves it to where the row before it ends; the new row starts.

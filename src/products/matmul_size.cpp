@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The first pass of a product: how many entries it has.
+#include "../csr_matrix/row_starts.hpp"
 #include "../support/entry_count.hpp"
 #include "product_size.hpp"
 #include "product_walk.hpp"
@@ -27,16 +28,6 @@ std::int64_t product_size_graph(std::int32_t n, std::int32_t ncol,
   return count_entries<diagonal::skipped>({n, ncol, ia, ja, ib, jb}, "matmul_size_graph");
 }
 
-namespace {
-
-std::int64_t longest_row(std::int32_t n, const std::int32_t* starts) {
-  std::int32_t longest = 0;
-  for (std::int64_t i = 1; i <= n; ++i) longest = std::max(longest, starts[i] - starts[i - 1]);
-  return longest;
-}
-
-}  // namespace
-
 std::int64_t most_product_entries(const csr_matrix& m1, const csr_matrix& m2, std::int32_t ncol) {
   if (m1.n < 1 || m2.n < 1) return 0;
   const std::int32_t* const left_starts = m1.ia.data();
@@ -45,7 +36,7 @@ std::int64_t most_product_entries(const csr_matrix& m1, const csr_matrix& m2, st
 
   const std::int64_t left_entries = left_starts[m1.n] - 1;
   const std::int64_t right_entries = right_starts[m2.n] - 1;
-  const std::int64_t longest = longest_row(m2.n, right_starts);
+  const std::int64_t longest = longest_row(m2);
   if (longest * m2.n <= 2 * right_entries)
     return std::min(left_entries * longest, std::int64_t{m1.n} * ncol);
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Row starts: whether rows follow each other, and those of a counting sort, which are its counts
+// Row starts: whether rows follow each other, how long they are, and those of a counting sort, which are its counts
 // before and its cursors in between.
 #pragma once
 
@@ -10,13 +10,25 @@
 
 namespace csr_matrix_mod {
 
-// Does each row start where the one before it ends, or behind? Then its entries are those from the
-// first row start to the last, whatever the rows. Rows that share storage do not follow.
-[[nodiscard]] inline bool rows_follow(const csr_matrix& mat) {
-  const std::int32_t* const starts = mat.ia.data();
+// Does each of these rows start where the one before it ends, or behind? Then their entries are
+// those from the first row start to the last, whatever the rows. Rows that share storage do not
+// follow.
+[[nodiscard]] inline bool rows_follow(const std::int32_t* starts, std::int64_t first,
+                                      std::int64_t last) {
   std::int32_t falls = 0;
-  for (std::int64_t i = 1; i <= mat.n; ++i) falls |= starts[i] < starts[i - 1] ? 1 : 0;
+  for (std::int64_t i = first; i <= last; ++i) falls |= starts[i] < starts[i - 1] ? 1 : 0;
   return falls == 0;
+}
+
+[[nodiscard]] inline bool rows_follow(const csr_matrix& mat) {
+  return rows_follow(mat.ia.data(), 1, mat.n);
+}
+
+[[nodiscard]] inline std::int32_t longest_row(const csr_matrix& mat) {
+  std::int32_t longest = 0;
+  const std::int32_t* const starts = mat.ia.data();
+  for (std::int64_t i = 1; i <= mat.n; ++i) longest = std::max(longest, starts[i] - starts[i - 1]);
+  return longest;
 }
 
 // The entries of each row, which `ia` holds without its last element, become the row starts.
