@@ -35,6 +35,9 @@ matrix_maker uneven_rows() {
 matrix_maker renumbered_rows() {
   return [](double rows) { return renumbered(seven_point(rows), 64); };
 }
+matrix_maker tridiagonal_rows() {
+  return [](double rows) { return band(rows, 1); };
+}
 matrix_maker band_rows() {
   return [](double rows) { return band(rows, 50); };
 }

@@ -28,10 +28,10 @@ class entries_ahead {
   entries_ahead(const csr_matrix& mat, const double* values)
       : columns_(mat.ja.data()), values_(values), last_(last_worth_it(mat.ja.length())) {}
 
-  // Visits the positions from `first` on up to, but without, `end`. Entries are asked for eight at
-  // a time.
+  // Visits the positions of row i, from `first` on up to, but without, `end`. Entries are asked for
+  // eight at a time.
   template <class Visit>
-  [[gnu::always_inline]] inline void visit(std::int32_t first, std::int32_t end,
+  [[gnu::always_inline]] inline void visit(std::int64_t /*i*/, std::int32_t first, std::int32_t end,
                                            const Visit& visit) const {
     std::int32_t left = end - first;
     ask(first);
@@ -56,6 +56,15 @@ class entries_ahead {
     }
   }
 
+ protected:
+  [[gnu::always_inline]] inline void ask(std::int32_t k) const {
+    if (k > last_) return;
+    prefetch_for_reading(columns_ + (k + columns_ahead - 1));
+    if (values_ == nullptr) return;
+    prefetch_for_reading(values_ + (k + values_ahead - 1));
+    prefetch_for_reading(values_ + (k + values_ahead + a_line - 1));
+  }
+
  private:
   static constexpr std::int32_t a_line = 8;  // values in 64 bytes
   static constexpr std::int32_t values_ahead = 512;
@@ -67,17 +76,41 @@ class entries_ahead {
     return static_cast<std::int32_t>(std::min(stored, std::int64_t{INT32_MAX}) - columns_ahead);
   }
 
-  [[gnu::always_inline]] inline void ask(std::int32_t k) const {
-    if (k > last_) return;
-    prefetch_for_reading(columns_ + (k + columns_ahead - 1));
-    if (values_ == nullptr) return;
-    prefetch_for_reading(values_ + (k + values_ahead - 1));
-    prefetch_for_reading(values_ + (k + values_ahead + a_line - 1));
-  }
-
   const std::int32_t* columns_;
   const double* values_;
   std::int32_t last_;
+};
+
+// The same for rows of few entries, as prolongations have: a loop, and entries are asked for every
+// 16 rows, 8 or 4, where there are 1, 2 or 3 a row. A x with 1, 2 and 3 entries a row 1.5, 1.3 and
+// 1.1 times as fast as by steps of eight, A' x 1.3, 1.3 and 1.1 times; in the cache as much.
+class few_entries_ahead : public entries_ahead {
+ public:
+  few_entries_ahead(const csr_matrix& mat, const double* values)
+      : entries_ahead(mat, values),
+        rows_that_wait_(entries_a_row(mat) <= 1   ? 15
+                        : entries_a_row(mat) <= 2 ? 7
+                                                  : 3) {}
+
+  // Are they few on average?
+  [[nodiscard]] static bool are_found(const csr_matrix& mat) {
+    return mat.n > 0 && entries_a_row(mat) <= 3;
+  }
+
+  template <class Visit>
+  [[gnu::always_inline]] inline void visit(std::int64_t i, std::int32_t first, std::int32_t end,
+                                           const Visit& visit) const {
+    if ((i & rows_that_wait_) == 0) ask(first);
+    for (std::int32_t k = first; k < end; ++k) visit(k);
+  }
+
+ private:
+  // Rounded up.
+  [[nodiscard]] static std::int64_t entries_a_row(const csr_matrix& mat) {
+    return (std::int64_t{mat.ia.data()[mat.n]} + mat.n - 2) / mat.n;
+  }
+
+  std::int64_t rows_that_wait_;
 };
 
 }  // namespace csr_matrix_mod
