@@ -26,6 +26,8 @@ class look_ahead {
         new_values_(new_values),
         last_(scatters(rows, nnz, fits_the_cache) ? nnz - 2 * distance : 0) {}
 
+  [[nodiscard]] bool is_worth_it() const { return last_ > 0; }
+
   // Before entry k.
   [[gnu::always_inline]] inline void operator()(std::int32_t k) const {
     if (k > last_) return;

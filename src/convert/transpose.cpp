@@ -9,7 +9,6 @@
 #include <csr_matrix_mod/convert.hpp>
 
 #include <algorithm>
-#include <numeric>
 
 namespace csr_matrix_mod {
 
@@ -17,20 +16,25 @@ namespace {
 
 constexpr std::string_view routine = "csr_matrix_transpose";
 
-// Where rows follow each other it does not matter where one ends, which a processor does not
-// foresee if lengths vary: such a matrix is transposed 1.2 to 1.8 times as fast.
-void count_columns(const csr_matrix& mat, std::int32_t* const column_count) {
+// Counts the entries of each column, and all of them. Where rows follow each other it does not
+// matter where one ends, which a processor does not foresee if lengths vary: such a matrix is
+// transposed 1.2 to 1.8 times as fast.
+std::int64_t count_columns(const csr_matrix& mat, std::int32_t* const column_count) {
   const std::int32_t* const starts = mat.ia.data();
   const std::int32_t* const columns = mat.ja.data();
   const auto count_from = [&](std::int32_t first, std::int32_t end) {
     for (std::int32_t k = first; k < end; ++k) ++column_count[columns[k - 1] - 1];
+    return std::max(std::int64_t{end} - first, std::int64_t{0});
   };
   if (mat.n > 0 && rows_follow(mat)) return count_from(starts[0], starts[mat.n]);
-  for (std::int64_t i = 1; i <= mat.n; ++i) count_from(starts[i - 1], starts[i]);
+  std::int64_t count = 0;
+  for (std::int64_t i = 1; i <= mat.n; ++i) count += count_from(starts[i - 1], starts[i]);
+  return count;
 }
 
 // Rows are visited in order, so every row of the transpose comes out sorted. Rows may share their
-// storage, so that fewer entries are stored than visited.
+// storage, so that fewer entries are stored than visited. What need not be asked at each entry is
+// asked once.
 void scatter(const csr_matrix& mat, csr_matrix& mat_t, std::int32_t stored) {
   const std::int32_t* const starts = mat.ia.data();
   const std::int32_t* const columns = mat.ja.data();
@@ -39,15 +43,32 @@ void scatter(const csr_matrix& mat, csr_matrix& mat_t, std::int32_t stored) {
   double* const values_t = mat_t.a.data();
   std::int32_t* const cursor = mat_t.ia.data();
   const look_ahead look(columns, stored, cursor, columns_t, values_t);
-  for (std::int64_t i = 1; i <= mat.n; ++i) {
-    const std::int32_t next_row = starts[i];
-    for (std::int32_t k = starts[i - 1]; k < next_row; ++k) {
-      look(k);
-      const std::int32_t p = cursor[columns[k - 1] - 1]++;
-      columns_t[p - 1] = static_cast<std::int32_t>(i);
-      if (values != nullptr) values_t[p - 1] = values[k - 1];
+  const auto put_column = [=](std::int32_t k, std::int32_t i) {
+    const std::int32_t p = cursor[columns[k - 1] - 1]++;
+    columns_t[p - 1] = i;
+    return p;
+  };
+  const auto put_entry = [=](std::int32_t k, std::int32_t i) {
+    values_t[put_column(k, i) - 1] = values[k - 1];
+  };
+  const auto for_each_entry = [&](const auto& put) {
+    for (std::int64_t i = 1; i <= mat.n; ++i) {
+      const std::int32_t next_row = starts[i];
+      for (std::int32_t k = starts[i - 1]; k < next_row; ++k) put(k, static_cast<std::int32_t>(i));
     }
-  }
+  };
+  if (look.is_worth_it())
+    for_each_entry([&](std::int32_t k, std::int32_t i) {
+      look(k);
+      if (values != nullptr)
+        put_entry(k, i);
+      else
+        put_column(k, i);
+    });
+  else if (values != nullptr)
+    for_each_entry(put_entry);
+  else
+    for_each_entry(put_column);
 }
 
 // Where columns are all over a matrix larger than the cache, a scatter that looks ahead takes three
@@ -92,9 +113,7 @@ void csr_matrix_transpose(const csr_matrix& mat, csr_matrix& mat_t,
 
   // Count: a column of the matrix is a row of its transpose.
   std::fill(mat_t.ia.begin(), mat_t.ia.end(), 0);
-  count_columns(mat, mat_t.ia.data());
-  const std::int32_t nnz =
-      entry_count(std::accumulate(mat_t.ia.begin(), mat_t.ia.end(), std::int64_t{0}), routine);
+  const std::int32_t nnz = entry_count(count_columns(mat, mat_t.ia.data()), routine);
 
   if (!mat_t.ja.allocated()) csr_matrix_allocate(mat_t, nnz);
   row_starts_from_counts(mat_t);
