@@ -220,14 +220,15 @@ RC_GTEST_PROP(IntegerVectors, AgreeWithTheDenseSums, ()) {
             dense::transpose_times(columns, m, z));
 }
 
-// More entries than the cache holds, in rows of none, few, some and very many; columns all over.
-TEST(AllVectors, OfALargeMatrixAgreeWithTheDenseSumsBitForBit) {
-  constexpr std::int32_t n = 1009;
-  entry_rows rows(n);
+// Rows of as many entries as `length` says, with columns all over and any values, times vectors of
+// any elements.
+void expect_dense_sums(std::int32_t n, const std::function<std::int64_t(std::int32_t i)>& length,
+                       std::int32_t spare = 0) {
+  entry_rows rows(static_cast<std::size_t>(n));
   std::int64_t walk = 1;
   const auto any = [&walk] { return walk = walk * 48271 % 2147483647; };
   for (std::int32_t i = 0; i < n; ++i)
-    for (std::int32_t k = i == n / 2 ? 240000 : i % 4 == 0 ? i % 401 : i % 29; k > 0; --k)
+    for (std::int64_t k = length(i); k > 0; --k)
       rows[static_cast<std::size_t>(i)].push_back(
           {static_cast<std::int32_t>(any() % n) + 1, static_cast<double>(any()) * 0.1});
   doubles x;
@@ -238,17 +239,35 @@ TEST(AllVectors, OfALargeMatrixAgreeWithTheDenseSumsBitForBit) {
   }
   const doubles y(x.size(), 9.0);
   const ints w(x.size(), 9);
-  const csr_matrix mat = real_matrix(n, rows);
+  const csr_matrix mat = real_matrix(n, rows, spare);
   EXPECT_EQ(bits(applied(csr_matrix_multiply_rvector, mat, x, y)), bits(dense::times(rows, x)));
   EXPECT_EQ(bits(applied(csr_matrix_trans_mult_rvector, mat, x, y)),
             bits(dense::transpose_times(rows, n, x)));
 
   const column_rows columns = columns_of(rows);
-  const csr_matrix bare = pattern(n, columns);
+  const csr_matrix bare = pattern(n, columns, spare);
   EXPECT_EQ(applied(csr_matrix_multiply_ivector, bare, integers, w),
             dense::times(columns, integers));
   EXPECT_EQ(applied(csr_matrix_trans_mult_ivector, bare, integers, w),
             dense::transpose_times(columns, n, integers));
+}
+
+// More entries than the cache holds, in rows of none, few, some and very many.
+TEST(AllVectors, OfALargeMatrixAgreeWithTheDenseSumsBitForBit) {
+  constexpr std::int32_t n = 1009;
+  expect_dense_sums(n, [](std::int32_t i) {
+    return i == n / 2 ? 240000 : i % 4 == 0 ? i % 401 : i % 29;
+  });
+}
+
+// Rows of up to one, two and three entries, and of four, which are walked as longer ones. Entries
+// are asked for where there is room for as many as above.
+TEST(AllVectors, OfShortRowsAgreeWithTheDenseSumsBitForBit) {
+  constexpr std::int32_t spare = 300'000;
+  for (const std::int32_t most : {1, 2, 3, 4})
+    for (const std::int32_t n : {1, 50, 500})
+      expect_dense_sums(
+          n, [most](std::int32_t i) { return i % 50 == 7 ? 0 : most; }, spare);
 }
 
 }  // namespace
