@@ -79,8 +79,8 @@ void declare(CLI::App& app) {
   }
 }
 
-// Would a terminal obey the byte at k rather than show it? In UTF-8 a byte from 0x80 to 0x9f is part
-// of a letter, but alone, or behind 0xc2, it is a control character.
+// Would a terminal obey the byte at k rather than show it? In UTF-8 a byte from 0x80 to 0x9f is
+// part of a letter, but alone, or behind 0xc2, it is a control character.
 bool is_control(std::string_view text, std::size_t k) {
   const auto c = static_cast<unsigned char>(text[k]);
   const auto before = static_cast<unsigned char>(k == 0 ? ' ' : text[k - 1]);

@@ -51,10 +51,11 @@ void csr_matrix_write_market(std::string_view filename, const csr_matrix& mat);
 /// Cost: O(n + entries).
 /// Stops: "can not read this format!"; "FILE: cannot open for reading: REASON"; "FILE: cannot read:
 /// REASON"; "FILE: PLACE: expected ..., found ..." where `csr_matrix_read` stops on account of what
-/// the file holds, and where the file disagrees with itself: a number of columns below 0, row starts that do not begin with 1 or that
-/// decrease, a column outside 1 to m, fewer bytes than the counts promise, a record longer than its
-/// items, an entry on the line of an empty row, a last line cut in its field, anything behind the
-/// matrix; "allocation error in csr_matrix_load". `mat` is then as it was before.
+/// the file holds, and where the file disagrees with itself: a number of columns below 0, row
+/// starts that do not begin with 1 or that decrease, a column outside 1 to m, fewer bytes than the
+/// counts promise, a record longer than its items, an entry on the line of an empty row, a last
+/// line cut in its field, anything behind the matrix; "allocation error in csr_matrix_load". `mat`
+/// is then as it was before.
 void csr_matrix_load(std::string_view filename, csr_matrix& mat,
                      std::optional<std::string_view> form = {});
 

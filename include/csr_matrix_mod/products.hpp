@@ -11,12 +11,12 @@
 //
 // A product is formed row by row. The passes count first, then fill what is allocated at its exact
 // size. The routines over records fill room for an entry a path, n times ncol at most, and cut it
-// to the entries, of which the part that stays empty takes addresses but no memory; where there is
-// no such room they make the two passes. In all of them each column stands once in a row, in the order of first discovery:
-// the entries of the left row as stored, and for each the right row as stored. Rows are not sorted.
-// An entry that cancels to 0 is kept. Operands may be unsorted and may repeat a column in a row;
-// each repeat contributes. "Paths" in the costs below are the scalar multiplications: over all
-// entries (i, j) of the left operand, the length of row j of the right one.
+// to the entries; what stays empty of it takes addresses but no memory. Where there is no such room
+// they make the two passes. In all of them each column stands once in a row, in the order of first
+// discovery: the entries of the left row as stored, and for each the right row as stored. Rows are
+// not sorted. An entry that cancels to 0 is kept. Operands may be unsorted and may repeat a column
+// in a row; each repeat contributes. "Paths" in the costs below are the scalar multiplications:
+// over all entries (i, j) of the left operand, the length of row j of the right one.
 #pragma once
 
 #include <csr_matrix_mod/csr_matrix.hpp>
@@ -31,8 +31,8 @@ namespace csr_matrix_mod {
 /// when absent; below 0 counts as 0); `m3` is neither operand. Shapes are not compared.
 /// Ensures: `m3` is m1's `n` by m2's `m`, also when `ncol` is given; rows in order of discovery;
 /// capacity is exactly the number of entries (1 if there are none).
-/// Cost: O(n + ncol + paths) and a look at the rows of `m2`; one marker of `ncol` integers, room for
-/// an entry a path as above, a bit for each row of the operands and some rows that repeat.
+/// Cost: O(n + ncol + paths) and a look at the rows of `m2`; one marker of `ncol` integers, room
+/// for an entry a path as above, a bit for each row of the operands and some rows that repeat.
 /// Stops: as `csr_matrix_initial` and `csr_matrix_allocate`; as `matmul_size` and `matmul_normal`
 /// or `matmul_noval` when there is no room for the marker; "csr_matrix_multiply: COUNT entries do
 /// not fit, at most 2147483646". Warns as `csr_matrix_allocate` when there are no entries.
@@ -103,8 +103,8 @@ void csr_matrix_trans_mult_ivector(const csr_matrix& mat, array_view<const std::
 /// Ensures: `g3` has values and is g1's `n` by `ncol` (unlike `csr_matrix_multiply`, whose result
 /// keeps m2's `m`); no diagonal entries; rows in order of discovery; capacity is exactly the number
 /// of entries (1 if there are none).
-/// Cost: O(n + ncol + paths) and a look at the rows of `m2`; one marker of `ncol` integers, room for
-/// an entry a path as above, a bit for each row of the operands and some rows that repeat.
+/// Cost: O(n + ncol + paths) and a look at the rows of `g2`; one marker of `ncol` integers, room
+/// for an entry a path as above, a bit for each row of the operands and some rows that repeat.
 /// Stops: as `csr_matrix_initial` and `csr_matrix_allocate`; as `matmul_size_graph` and
 /// `matmul_graph` or `matmul_wgraph` when there is no room for the marker;
 /// "csr_matrix_multiply_graph: COUNT entries do not fit, at most 2147483646". Warns as

@@ -35,8 +35,8 @@ namespace csr_matrix_mod {
 
 // Does every row ascend, from position 1 on, each column once? Then there is nothing to sort and
 // nothing to merge. Steps are counted some rows at a time, in vector registers; the first rows that
-// do not ascend end the search. 15 to 30 times as fast as sorting rows that are sorted, 3 to 6 times
-// as fast as cleaning them.
+// do not ascend end the search. 15 to 30 times as fast as sorting rows that are sorted, 3 to 6
+// times as fast as cleaning them.
 [[nodiscard]] inline bool rows_ascend(const csr_matrix& mat) {
   const std::int32_t* const starts = mat.ia.data();
   const std::int32_t* const columns = mat.ja.data();

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Row starts: whether rows follow each other, how long they are, and those of a counting sort, which are its counts
-// before and its cursors in between.
+// Row starts: whether rows follow each other, how long they are, and those of a counting sort,
+// which are its counts before and its cursors in between.
 #pragma once
 
 #include <csr_matrix_mod/csr_matrix.hpp>
@@ -44,8 +44,8 @@ inline void row_starts_from_counts(csr_matrix& mat) {
   starts[mat.n] = next;
 }
 
-// A fill has moved each row start, entry by entry, to where the next row starts; they become the row
-// starts again. So a counting sort needs no storage beside its result.
+// A fill has moved each row start, entry by entry, to where the next row starts; they become the
+// row starts again. So a counting sort needs no storage beside its result.
 inline void row_starts_from_cursors(csr_matrix& mat) {
   if (mat.n < 0) return;
   std::int32_t* const starts = mat.ia.data();

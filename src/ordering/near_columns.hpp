@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // A row whose columns lie near each other is sorted without comparing them: each takes the slot of
 // its column, and the slots are visited in order. Against ranks and radix, shuffled rows of 33
-// entries and more take 0.4 to 0.6 of the time where columns follow each other, 0.7 to 0.85 where an
-// entry has eight; bcsstk16, a shell, takes half.
+// entries and more take 0.4 to 0.6 of the time where columns follow each other, 0.7 to 0.85 where
+// an entry has eight; bcsstk16, a shell, takes half.
 #pragma once
 
 #include "../support/eight_bytes.hpp"

@@ -83,7 +83,8 @@ class entries_ahead {
 
 // The same for rows of few entries, as prolongations have: a loop, and entries are asked for every
 // 16 rows, 8 or 4, where there are 1, 2 or 3 a row. A x with 1, 2 and 3 entries a row 1.5, 1.3 and
-// 1.1 times as fast as by steps of eight, A' x 1.3, 1.3 and 1.1 times; in the cache as much.
+// 1.1 times as fast as by steps of eight, A' x 1.3, 1.3 and 1.1 times; in the cache 1.1 to 1.3
+// times.
 class few_entries_ahead : public entries_ahead {
  public:
   few_entries_ahead(const csr_matrix& mat, const double* values)

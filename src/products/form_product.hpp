@@ -15,8 +15,8 @@ namespace csr_matrix_mod::products {
 
 // Either way the result is the same to the last bit, its capacity included. `count` and `fill` are
 // the two passes, the second with a marker of `ncol` columns; `routine` is blamed for a count that
-// does not fit, `kernel` for a marker without room. One pass takes its marker before the room for
-// `most` entries, of which it may be that nothing is left.
+// does not fit, `kernel` for want of a marker. One pass takes its marker first, for there may be
+// none beside the room for `most` entries.
 template <class Count, class Fill>
 void form_product(csr_matrix& result, std::int32_t ncol, std::int64_t most,
                   std::string_view routine, std::string_view kernel, const Count& count,

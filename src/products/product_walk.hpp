@@ -86,9 +86,10 @@ struct rows_by_starts {
 
 // Stores the entries of the product in the order in which paths first lead to them. The marker
 // `mark`, which is 0 at first, holds the position at which a column was stored; a position before
-// the row's first is one of an earlier row, so it need not be cleared either. `left` times `right` of `path` is what a path is
-// worth; `right_rows` is as `rows_by_starts`, `beside` as `walk_alone`, `foresight` as
-// `paths_foreseen`. A function of its own, so that what its loops need stays in registers.
+// the row's first is one of an earlier row, so it need not be cleared either. `left` times `right`
+// of `path` is what a path is worth; `right_rows` is as `rows_by_starts`, `beside` as `walk_alone`,
+// `foresight` as `paths_foreseen`. A function of its own, so that what its loops need stays in
+// registers.
 template <diagonal Diagonal, class Values, class Path, class Rows, class Beside = walk_alone,
           class Foresight = paths_foreseen>
 [[gnu::noinline]] void store_entries(const operands& of, const product<Values>& to, const Path path,

@@ -4,8 +4,8 @@
 // taken together too, in the order of the paths.
 //
 // The square of the pattern of a shell of finite elements (bcsstk16) 6 times as fast, of 3 unknowns
-// at each point of a 7-point stencil 3.4 times, of a 27-point one 7 times, of 2 unknowns at those of
-// a 5-point one 1.8 times; graph products 3.5, 2.4, 3.7 and 1.7 times.
+// at each point of a 7-point stencil 3.4 times, of a 27-point one 7 times, of 2 unknowns at those
+// of a 5-point one 1.8 times; graph products 3.5, 2.4, 3.7 and 1.7 times.
 #pragma once
 
 #include "../support/scratch.hpp"

@@ -19,8 +19,8 @@ struct right_twins {
   const std::int32_t* columns;
   const std::uint64_t* twin;  // one bit a row: it ascends, and has the columns of the row before
 
-  // How many left columns that follow each other and lead to right rows with the same columns, from the
-  // first of `most` columns on: 4 at most.
+  // How many left columns that follow each other and lead to right rows with the same columns, from
+  // the first of `most` columns on: 4 at most.
   [[nodiscard]] std::int32_t alike(const std::int32_t* left_columns, std::int32_t most) const {
     const std::int32_t j = left_columns[0];
     std::int32_t rows = 1;
@@ -42,9 +42,10 @@ class twins {
         left_columns_(of.ja.data()),
         right_{of.ib.data(), of.jb.data(), nullptr} {}
 
-  // Are they worth it? Yes if more than half of the left rows are twins of the row before, as far as
-  // the first thousand tell, or a quarter of both the left and the right rows: pairs alone are no
-  // gain where nobody foresees which paths lead to new columns. No if there is no room for the bits.
+  // Are they worth it? Yes if more than half of the left rows are twins of the row before, as far
+  // as the first thousand tell, or a quarter of both the left and the right rows: pairs alone are
+  // no gain where nobody foresees which paths lead to new columns. No if there is no room for the
+  // bits.
   [[nodiscard]] bool look() noexcept {
     const auto are_above = [](const std::int32_t* starts, const std::int32_t* columns,
                               std::int64_t rows, std::int64_t share) {

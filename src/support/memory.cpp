@@ -61,8 +61,8 @@ void* obtain_block(std::size_t bytes) noexcept {
 // MiB at most, and unmaps them when they come back; smaller requests it serves from its heap, of
 // which it keeps twice as much. A block that is cut off before it is given back does not teach it
 // the size that will be asked for again. So it is shown a larger one, which nobody touches. A A
-// again and again, of 5-point matrices of 1000, 10 000 and 100 000 rows: 4, 5 and 1.4 times as fast;
-// where a program has fixed the sizes, 1000 rows take up to a tenth longer.
+// again and again, of 5-point matrices of 1000, 10 000 and 100 000 rows: 4, 5 and 1.4 times as
+// fast; where a program has fixed the sizes, 1000 rows take up to a tenth longer.
 void show_size_before_cut(void* block, std::size_t bytes) noexcept {
 #if defined(__GLIBC__)
   constexpr std::size_t most_learnt = (std::size_t{32} << 20) - (std::size_t{64} << 10);

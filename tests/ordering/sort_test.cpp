@@ -238,8 +238,8 @@ TEST(Sort, OrdersRowsOfEveryLengthAsOneByOne) {
   }
 }
 
-// `length` different columns of the `spread` from `low` on, the first and the last among them, in no
-// order.
+// `length` different columns of the `spread` from `low` on, the first and the last among them, in
+// no order.
 std::vector<entry> near_row(std::int32_t length, std::int32_t spread, std::int32_t low) {
   std::vector<std::int32_t> columns;
   for (std::int32_t k = 0; k < spread; ++k) columns.push_back(low + k);

@@ -194,8 +194,8 @@ TEST(TwinRows, MayBeMoreThanColumns) {
   expect_patterns_of_the_passes(tall, square);
 }
 
-// Room for the bits, the columns or the sums is refused, once, twice or from then on: rows are walked alone,
-// and nobody is told.
+// Room for the bits, the columns or the sums is refused, once, twice or from then on: rows are
+// walked alone, and nobody is told.
 TEST(TwinRows, AreDoneWithoutWhereThereIsNoRoomToFindThem) {
   const points at(20, 3);
   const csr_matrix mat = real_matrix(unknowns(at), random_rows(10).of(at, at, 4));
