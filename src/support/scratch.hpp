@@ -35,8 +35,8 @@ class scratch {
     return storage_ != nullptr;
   }
 
-  // Room for so many elements at least, twice as many as before where that was less, whose contents
-  // are lost then. False as above.
+  // Room for so many elements at least. Where there is less, twice of it or so many, whichever is
+  // more, and what it held is lost. False as above.
   [[nodiscard]] bool make_room(std::int64_t elements) noexcept {
     return elements <= length() || allocate(std::max(elements, 2 * length()), contents::undefined);
   }
