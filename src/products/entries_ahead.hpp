@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Entries of a matrix larger than the cache, asked for before their turn.
+// The entries of a matrix row by row; those of one larger than the cache are asked for before their
+// turn.
 #pragma once
 
 #include "../support/prefetch.hpp"
@@ -27,6 +28,9 @@ class entries_ahead {
   // `values` is null where the pattern alone is read.
   entries_ahead(const csr_matrix& mat, const double* values)
       : columns_(mat.ja.data()), values_(values), last_(last_worth_it(mat.ja.length())) {}
+
+  // Are so many entries not worth asking for?
+  [[nodiscard]] static bool fit_the_cache(std::int64_t stored) { return stored < 1 << 18; }
 
   // Visits the positions of row i, from `first` on up to, but without, `end`. Entries are asked for
   // eight at a time.
@@ -69,10 +73,9 @@ class entries_ahead {
   static constexpr std::int32_t a_line = 8;  // values in 64 bytes
   static constexpr std::int32_t values_ahead = 512;
   static constexpr std::int32_t columns_ahead = 1024;
-  static constexpr std::int64_t fits_the_cache = 1 << 18;
 
   static std::int32_t last_worth_it(std::int64_t stored) {
-    if (stored < fits_the_cache) return 0;
+    if (fit_the_cache(stored)) return 0;
     return static_cast<std::int32_t>(std::min(stored, std::int64_t{INT32_MAX}) - columns_ahead);
   }
 
@@ -83,8 +86,7 @@ class entries_ahead {
 
 // The same for rows of few entries, as prolongations have: a loop, and entries are asked for every
 // 16 rows, 8 or 4, where there are 1, 2 or 3 a row. A x with 1, 2 and 3 entries a row 1.5, 1.3 and
-// 1.1 times as fast as by steps of eight, A' x 1.3, 1.3 and 1.1 times; in the cache 1.1 to 1.3
-// times.
+// 1.1 times as fast as by steps of eight, A' x 1.3, 1.3 and 1.1 times.
 class few_entries_ahead : public entries_ahead {
  public:
   few_entries_ahead(const csr_matrix& mat, const double* values)
@@ -113,5 +115,26 @@ class few_entries_ahead : public entries_ahead {
 
   std::int64_t rows_that_wait_;
 };
+
+// Rows of few entries in the cache, of which nothing need be asked for: up to 1.4 times as fast
+// as by a walk that could ask, as clang builds it up to 2 times.
+struct few_entries_in_turn {
+  template <class Visit>
+  [[gnu::always_inline]] inline void visit(std::int64_t /*i*/, std::int32_t first, std::int32_t end,
+                                           const Visit& visit) const {
+    for (std::int32_t k = first; k < end; ++k) visit(k);
+  }
+};
+
+// Calls back with the walk that suits the matrix.
+template <class Call>
+void walk_entries(const csr_matrix& mat, const double* values, const Call& call) {
+  if (!few_entries_ahead::are_found(mat))
+    call(entries_ahead(mat, values));
+  else if (entries_ahead::fit_the_cache(mat.ja.length()))
+    call(few_entries_in_turn{});
+  else
+    call(few_entries_ahead(mat, values));
+}
 
 }  // namespace csr_matrix_mod

@@ -53,44 +53,19 @@ void for_each_row(const csr_matrix& mat, const Row& row) {
   }
 }
 
-template <class Entries, class T, class Add>
-void multiply_rows(const csr_matrix& mat, array_view<const T> x, array_view<T> y, const Add add) {
-  const std::int32_t* const columns = mat.ja.data();
-  const T* const from = x.data();
-  T* const to = y.data();
-  const Entries entries(mat, add.values);
-
-  for_each_row(mat, [&](std::int64_t i, std::int32_t first, std::int32_t end) {
-    T sum = 0;
-    entries.visit(i, first, end,
-                  [&](std::int32_t k) { sum = add(sum, k, from[columns[k - 1] - 1]); });
-    to[i - 1] = sum;
-  });
-}
-
-template <class Entries, class T, class Add>
-void multiply_columns(const csr_matrix& mat, array_view<const T> x, array_view<T> y,
-                      const Add add) {
-  const std::int32_t* const columns = mat.ja.data();
-  const T* const from = x.data();
-  T* const to = y.data();
-  const Entries entries(mat, add.values);
-
-  for_each_row(mat, [&](std::int64_t i, std::int32_t first, std::int32_t end) {
-    const T xi = from[i - 1];
-    entries.visit(i, first, end, [&](std::int32_t k) {
-      T& sum = to[columns[k - 1] - 1];
-      sum = add(sum, k, xi);
-    });
-  });
-}
-
 template <class T, class Add>
 void multiply(const csr_matrix& mat, array_view<const T> x, array_view<T> y, const Add add) {
-  if (few_entries_ahead::are_found(mat))
-    multiply_rows<few_entries_ahead>(mat, x, y, add);
-  else
-    multiply_rows<entries_ahead>(mat, x, y, add);
+  walk_entries(mat, add.values, [&](const auto entries) {
+    const std::int32_t* const columns = mat.ja.data();
+    const T* const from = x.data();
+    T* const to = y.data();
+    for_each_row(mat, [&](std::int64_t i, std::int32_t first, std::int32_t end) {
+      T sum = 0;
+      entries.visit(i, first, end,
+                    [&](std::int32_t k) { sum = add(sum, k, from[columns[k - 1] - 1]); });
+      to[i - 1] = sum;
+    });
+  });
 }
 
 // All of `y` is cleared, not only the part that the matrix reaches.
@@ -98,10 +73,18 @@ template <class T, class Add>
 void multiply_transposed(const csr_matrix& mat, array_view<const T> x, array_view<T> y,
                          const Add add) {
   std::fill(y.begin(), y.end(), T{0});
-  if (few_entries_ahead::are_found(mat))
-    multiply_columns<few_entries_ahead>(mat, x, y, add);
-  else
-    multiply_columns<entries_ahead>(mat, x, y, add);
+  walk_entries(mat, add.values, [&](const auto entries) {
+    const std::int32_t* const columns = mat.ja.data();
+    const T* const from = x.data();
+    T* const to = y.data();
+    for_each_row(mat, [&](std::int64_t i, std::int32_t first, std::int32_t end) {
+      const T xi = from[i - 1];
+      entries.visit(i, first, end, [&](std::int32_t k) {
+        T& sum = to[columns[k - 1] - 1];
+        sum = add(sum, k, xi);
+      });
+    });
+  });
 }
 
 }  // namespace
