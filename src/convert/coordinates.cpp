@@ -3,7 +3,7 @@
 #include "../csr_matrix/row_starts.hpp"
 #include "../support/entry_count.hpp"
 #include "../support/stop.hpp"
-#include "look_ahead.hpp"
+#include "scatter.hpp"
 
 #include <csr_matrix_mod/convert.hpp>
 
@@ -40,7 +40,11 @@ void row_starts_from_ordered(csr_matrix& mat, const std::int32_t* rows, std::int
   std::int32_t* const starts = mat.ia.data();
   std::fill(mat.ia.begin(), mat.ia.end(), 1);
   for (std::int32_t k = 1; k <= nnz; ++k) starts[rows[k - 1]] = k + 1;
-  for (std::int64_t i = 1; i <= mat.n; ++i) starts[i] = std::max(starts[i], starts[i - 1]);
+  std::int32_t start = 1;
+  for (std::int64_t i = 1; i <= mat.n; ++i) {
+    start = std::max(starts[i], start);
+    starts[i] = start;
+  }
 }
 
 }  // namespace
@@ -99,15 +103,9 @@ void coo_to_csr_format(std::int32_t n, std::int32_t nnz, array_view<const std::i
   csr_matrix_allocate(mat, nnz);
 
   // Fill in list order, so that each row keeps the order of the lists.
-  std::int32_t* const new_columns = mat.ja.data();
-  double* const new_values = mat.a.data();
-  const look_ahead look(rows, nnz, cursor, new_columns, new_values);
-  for (std::int32_t k = 1; k <= nnz; ++k) {
-    look(k);
-    const std::int32_t p = cursor[rows[k - 1] - 1]++;
-    new_columns[p - 1] = columns[k - 1];
-    if (values != nullptr) new_values[p - 1] = values[k - 1];
-  }
+  scatter(rows, nnz, values, cursor, mat.ja.data(), mat.a.data(), [=](const auto& put) {
+    for (std::int32_t k = 1; k <= nnz; ++k) put(k, columns[k - 1]);
+  });
   row_starts_from_cursors(mat);
 }
 

@@ -3,8 +3,8 @@
 #include "../csr_matrix/row_starts.hpp"
 #include "../support/entry_count.hpp"
 #include "../support/prefetch.hpp"
-#include "look_ahead.hpp"
 #include "mirror_image.hpp"
+#include "scatter.hpp"
 
 #include <csr_matrix_mod/convert.hpp>
 
@@ -33,42 +33,18 @@ std::int64_t count_columns(const csr_matrix& mat, std::int32_t* const column_cou
 }
 
 // Rows are visited in order, so every row of the transpose comes out sorted. Rows may share their
-// storage, so that fewer entries are stored than visited. What need not be asked at each entry is
-// asked once.
-void scatter(const csr_matrix& mat, csr_matrix& mat_t, std::int32_t stored) {
-  const std::int32_t* const starts = mat.ia.data();
-  const std::int32_t* const columns = mat.ja.data();
+// storage, so that fewer entries are stored than visited.
+void scatter_rows(const csr_matrix& mat, csr_matrix& mat_t, std::int32_t stored) {
   const double* const values = mat.type == matrix_real ? mat.a.data() : nullptr;
-  std::int32_t* const columns_t = mat_t.ja.data();
-  double* const values_t = mat_t.a.data();
-  std::int32_t* const cursor = mat_t.ia.data();
-  const look_ahead look(columns, stored, cursor, columns_t, values_t);
-  const auto put_column = [=](std::int32_t k, std::int32_t i) {
-    const std::int32_t p = cursor[columns[k - 1] - 1]++;
-    columns_t[p - 1] = i;
-    return p;
-  };
-  const auto put_entry = [=](std::int32_t k, std::int32_t i) {
-    values_t[put_column(k, i) - 1] = values[k - 1];
-  };
-  const auto for_each_entry = [&](const auto& put) {
-    for (std::int64_t i = 1; i <= mat.n; ++i) {
-      const std::int32_t next_row = starts[i];
-      for (std::int32_t k = starts[i - 1]; k < next_row; ++k) put(k, static_cast<std::int32_t>(i));
-    }
-  };
-  if (look.is_worth_it())
-    for_each_entry([&](std::int32_t k, std::int32_t i) {
-      look(k);
-      if (values != nullptr)
-        put_entry(k, i);
-      else
-        put_column(k, i);
-    });
-  else if (values != nullptr)
-    for_each_entry(put_entry);
-  else
-    for_each_entry(put_column);
+  scatter(mat.ja.data(), stored, values, mat_t.ia.data(), mat_t.ja.data(), mat_t.a.data(),
+          [&](const auto& put) {
+            const std::int32_t* const starts = mat.ia.data();
+            for (std::int64_t i = 1; i <= mat.n; ++i) {
+              const std::int32_t next_row = starts[i];
+              for (std::int32_t k = starts[i - 1]; k < next_row; ++k)
+                put(k, static_cast<std::int32_t>(i));
+            }
+          });
 }
 
 // Where columns are all over a matrix larger than the cache, a scatter that looks ahead takes three
@@ -117,7 +93,7 @@ void csr_matrix_transpose(const csr_matrix& mat, csr_matrix& mat_t,
 
   if (!mat_t.ja.allocated()) csr_matrix_allocate(mat_t, nnz);
   row_starts_from_counts(mat_t);
-  scatter(mat, mat_t, static_cast<std::int32_t>(std::min<std::int64_t>(nnz, mat.ja.length())));
+  scatter_rows(mat, mat_t, static_cast<std::int32_t>(std::min<std::int64_t>(nnz, mat.ja.length())));
   row_starts_from_cursors(mat_t);
 }
 
