@@ -9,8 +9,17 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <type_traits>
 
 namespace csr_matrix_mod {
+
+// Are so many entries not worth asking for?
+[[nodiscard]] inline bool entries_fit_the_cache(std::int64_t stored) { return stored < 1 << 18; }
+
+// The entries of a row on average, rounded up; there are rows.
+[[nodiscard]] inline std::int64_t entries_a_row(const csr_matrix& mat) {
+  return (std::int64_t{mat.ia.data()[mat.n]} + mat.n - 2) / mat.n;
+}
 
 // Walks the entries of one row after the other. A processor that jumps to an element of a vector
 // for each entry does not look far along the columns and the values, which come in order. Asked for
@@ -23,14 +32,13 @@ namespace csr_matrix_mod {
 // up to 1.1 times. A jump to code for each length is not foreseen, and takes up to four times as
 // long where lengths vary. One test both for an empty row and for the end of eight entries is not
 // either, as code happens to stand in memory: rows of 8 then take three times as long.
+//
+// `Values` points to the values, or is a null pointer by its type where the pattern alone is read.
+template <class Values>
 class entries_ahead {
  public:
-  // `values` is null where the pattern alone is read.
-  entries_ahead(const csr_matrix& mat, const double* values)
+  entries_ahead(const csr_matrix& mat, Values values)
       : columns_(mat.ja.data()), values_(values), last_(last_worth_it(mat.ja.length())) {}
-
-  // Are so many entries not worth asking for?
-  [[nodiscard]] static bool fit_the_cache(std::int64_t stored) { return stored < 1 << 18; }
 
   // Visits the positions of row i, from `first` on up to, but without, `end`. Entries are asked for
   // eight at a time.
@@ -64,9 +72,10 @@ class entries_ahead {
   [[gnu::always_inline]] inline void ask(std::int32_t k) const {
     if (k > last_) return;
     prefetch_for_reading(columns_ + (k + columns_ahead - 1));
-    if (values_ == nullptr) return;
-    prefetch_for_reading(values_ + (k + values_ahead - 1));
-    prefetch_for_reading(values_ + (k + values_ahead + a_line - 1));
+    if constexpr (!std::is_null_pointer_v<Values>) {
+      prefetch_for_reading(values_ + (k + values_ahead - 1));
+      prefetch_for_reading(values_ + (k + values_ahead + a_line - 1));
+    }
   }
 
  private:
@@ -75,44 +84,35 @@ class entries_ahead {
   static constexpr std::int32_t columns_ahead = 1024;
 
   static std::int32_t last_worth_it(std::int64_t stored) {
-    if (fit_the_cache(stored)) return 0;
+    if (entries_fit_the_cache(stored)) return 0;
     return static_cast<std::int32_t>(std::min(stored, std::int64_t{INT32_MAX}) - columns_ahead);
   }
 
   const std::int32_t* columns_;
-  const double* values_;
+  Values values_;
   std::int32_t last_;
 };
 
 // The same for rows of few entries, as prolongations have: a loop, and entries are asked for every
 // 16 rows, 8 or 4, where there are 1, 2 or 3 a row. A x with 1, 2 and 3 entries a row 1.5, 1.3 and
 // 1.1 times as fast as by steps of eight, A' x 1.3, 1.3 and 1.1 times.
-class few_entries_ahead : public entries_ahead {
+template <class Values>
+class few_entries_ahead : public entries_ahead<Values> {
  public:
-  few_entries_ahead(const csr_matrix& mat, const double* values)
-      : entries_ahead(mat, values),
+  few_entries_ahead(const csr_matrix& mat, Values values)
+      : entries_ahead<Values>(mat, values),
         rows_that_wait_(entries_a_row(mat) <= 1   ? 15
                         : entries_a_row(mat) <= 2 ? 7
                                                   : 3) {}
 
-  // Are they few on average?
-  [[nodiscard]] static bool are_found(const csr_matrix& mat) {
-    return mat.n > 0 && entries_a_row(mat) <= 3;
-  }
-
   template <class Visit>
   [[gnu::always_inline]] inline void visit(std::int64_t i, std::int32_t first, std::int32_t end,
                                            const Visit& visit) const {
-    if ((i & rows_that_wait_) == 0) ask(first);
+    if ((i & rows_that_wait_) == 0) this->ask(first);
     for (std::int32_t k = first; k < end; ++k) visit(k);
   }
 
  private:
-  // Rounded up.
-  [[nodiscard]] static std::int64_t entries_a_row(const csr_matrix& mat) {
-    return (std::int64_t{mat.ia.data()[mat.n]} + mat.n - 2) / mat.n;
-  }
-
   std::int64_t rows_that_wait_;
 };
 
@@ -127,11 +127,11 @@ struct few_entries_in_turn {
 };
 
 // Calls back with the walk that suits the matrix.
-template <class Call>
-void walk_entries(const csr_matrix& mat, const double* values, const Call& call) {
-  if (!few_entries_ahead::are_found(mat))
+template <class Values, class Call>
+void walk_entries(const csr_matrix& mat, Values values, const Call& call) {
+  if (mat.n <= 0 || entries_a_row(mat) > 3)
     call(entries_ahead(mat, values));
-  else if (entries_ahead::fit_the_cache(mat.ja.length()))
+  else if (entries_fit_the_cache(mat.ja.length()))
     call(few_entries_in_turn{});
   else
     call(few_entries_ahead(mat, values));

@@ -7,6 +7,7 @@
 #include <csr_matrix_mod/products.hpp>
 
 #include <algorithm>
+#include <cstddef>
 
 namespace csr_matrix_mod {
 
@@ -23,7 +24,7 @@ struct weighted {
 
 // Adds the element x; the sum wraps at 32 bits.
 struct unweighted {
-  static constexpr const double* values = nullptr;
+  static constexpr std::nullptr_t values = nullptr;
 
   [[nodiscard]] std::int32_t operator()(std::int32_t sum, std::int32_t, std::int32_t x) const {
     return static_cast<std::int32_t>(static_cast<std::uint32_t>(sum) +
