@@ -31,8 +31,8 @@ struct values_multiplied {
 
   [[nodiscard]] double left(std::int32_t k, std::int32_t) const { return a[k - 1]; }
   [[nodiscard]] double right(std::int64_t l) const { return b[l - 1]; }
-  [[gnu::always_inline]] inline void prefetch_right(std::int64_t l) const {
-    prefetch_for_reading(b + (l - 1));
+  [[gnu::always_inline]] inline void prefetch_right(std::int64_t first, std::int64_t number) const {
+    prefetch_row(b + (first - 1), number);
   }
 };
 
@@ -42,7 +42,7 @@ struct paths_counted {
 
   [[nodiscard]] double left(std::int32_t, std::int32_t) const { return 1.0; }
   [[nodiscard]] double right(std::int64_t) const { return 1.0; }
-  void prefetch_right(std::int64_t) const {}
+  void prefetch_right(std::int64_t, std::int64_t) const {}
 };
 
 // A path is worth the weight of the vertex that it leads over.
@@ -52,7 +52,7 @@ struct middle_vertex {
 
   [[nodiscard]] double left(std::int32_t, std::int32_t j) const { return wgt[j - 1]; }
   [[nodiscard]] double right(std::int64_t) const { return 1.0; }
-  void prefetch_right(std::int64_t) const {}
+  void prefetch_right(std::int64_t, std::int64_t) const {}
 };
 
 }  // namespace csr_matrix_mod::products

@@ -33,6 +33,13 @@ template <class T>
   for (std::int64_t at = 0; at < number; at += at_a_time) prefetch_for_reading(first + at);
 }
 
+// The same for the elements of a row, one or more, that may begin and end anywhere in a line.
+template <class T>
+[[gnu::always_inline]] inline void prefetch_row(const T* first, std::int64_t number) {
+  prefetch_for_reading(first, number);
+  prefetch_for_reading(first + (number - 1));
+}
+
 // Of some entries from all over, do most lead to rows that none of the 64 before them is near?
 // Fewer than `few` entries, 2^15 or more, are not looked at: what they lead to is in the cache.
 [[nodiscard]] inline bool scatters(const std::int32_t* rows, std::int32_t nnz, std::int32_t few) {

@@ -53,6 +53,15 @@ csr_matrix one_entry_in_most_rows(std::int32_t n, std::int32_t m) {
   return real_matrix(m, rows);
 }
 
+// Rows of none, of few and now and then of some hundred entries.
+csr_matrix long_rows_among_short(std::int32_t n, std::int32_t m) {
+  entry_rows rows(static_cast<std::size_t>(n));
+  for (std::int32_t j = 0; j < n; ++j)
+    for (std::int32_t k = j % 50 == 7 ? 130 + j % 200 : j % 4; k > 0; --k)
+      rows[static_cast<std::size_t>(j)].push_back({(j + 3 * k) % m + 1, 1.0 / (j + k)});
+  return real_matrix(m, rows);
+}
+
 struct pair_of_operands {
   std::string name;
   csr_matrix (*left)();
@@ -76,6 +85,9 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(
         pair_of_operands{"ManyColumnsThatJump", [] { return random_matrix(9000, 7000, 1); },
                          [] { return random_matrix(7000, 8000, 2); }},
+        pair_of_operands{"ManyColumnsThatJumpToLongRows",
+                         [] { return random_matrix(9000, 7000, 14); },
+                         [] { return long_rows_among_short(7000, 2000); }},
         pair_of_operands{"ManyColumnsThatJumpToRowsOfOneEntry",
                          [] { return random_matrix(9000, 7000, 3); },
                          [] { return one_entry_a_row(7000, 2000); }},
