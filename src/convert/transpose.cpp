@@ -2,7 +2,6 @@
 // The transpose: a counting sort of the entries by column.
 #include "../csr_matrix/row_starts.hpp"
 #include "../support/entry_count.hpp"
-#include "../support/prefetch.hpp"
 #include "mirror_image.hpp"
 #include "scatter.hpp"
 
@@ -47,13 +46,6 @@ void scatter_rows(const csr_matrix& mat, csr_matrix& mat_t, std::int32_t stored)
           });
 }
 
-// Where columns are all over a matrix larger than the cache, a scatter that looks ahead takes three
-// quarters of the time of a walk from partner to partner.
-bool scatters_widely(const csr_matrix& mat) {
-  constexpr std::int32_t fits_the_cache = 1 << 19;
-  return scatters(mat.ja.data(), csr_matrix_num_nz(mat), fits_the_cache);
-}
-
 // Of a symmetric pattern the values alone move, and nothing is counted: 1.4 times as fast for 5
 // points a row, 1.6 for 7, 2.6 for 27 in recycled memory, 1.6, 1.4 and 1.4 in fresh memory. False,
 // with nothing decided, where the pattern is not symmetric.
@@ -82,7 +74,7 @@ void csr_matrix_transpose(const csr_matrix& mat, csr_matrix& mat_t,
 
   csr_matrix_initial(rows, mat_t, mat.n,
                      mat.type == matrix_structure_only ? matrix_structure_only : matrix_real);
-  if (may_be_its_own_mirror_image(mat, rows) && !scatters_widely(mat)) {
+  if (may_pair_up(mat, rows)) {
     csr_matrix_allocate(mat_t, csr_matrix_num_nz(mat));
     if (mirrored(mat, mat_t)) return;
   }

@@ -165,6 +165,19 @@ RC_GTEST_PROP(SymmetrizeProperty, OfASymmetricPatternIsTheSumWithTheTransposeToo
   expect_sum_with_transpose(rows, n);
 }
 
+// So large, and its columns so far apart, that the transpose is built.
+TEST(Symmetrize, OfALargeSymmetricPatternAllOverIsTheSumWithTheTranspose) {
+  constexpr std::int32_t n = 20011;
+  const entry_rows rows = tests::mirrored_all_over(n, 24);
+  csr_matrix mat = real_matrix(n, rows);
+  csr_matrix mat_t;
+  csr_matrix expected;
+  csr_matrix_transpose(mat, mat_t);
+  csr_matrix_sum(mat, mat_t, expected);
+  expect_silent([&] { csr_matrix_symmetrize(mat); });
+  EXPECT_EQ(entries_of(mat), entries_of(expected));
+}
+
 RC_GTEST_PROP(SymmetrizeProperty, IsTheSumWithTheTranspose, ()) {
   const auto n = *tests::any_size();
   const auto rows = *tests::any_rows(n, n);

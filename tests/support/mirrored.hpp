@@ -9,6 +9,9 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <numeric>
+#include <utility>
+#include <vector>
 
 namespace tests {
 
@@ -24,6 +27,30 @@ inline entry_rows mirrored_rows(std::int32_t n) {
       if (found != row.end())
         rows[static_cast<std::size_t>(i - 1)].push_back({j, found->value + 0.1 * i});
     }
+  return rows;
+}
+
+// Rows that ascend, of twice as many entries as `pairs`, in columns all over, with an entry (i, j)
+// wherever there is one (j, i).
+inline entry_rows mirrored_all_over(std::int32_t n, std::int32_t pairs) {
+  std::vector<std::int32_t> place(static_cast<std::size_t>(n));
+  std::iota(place.begin(), place.end(), 1);
+  std::int64_t walk = 1;
+  for (std::size_t i = place.size() - 1; i > 0; --i) {
+    walk = walk * 48271 % 2147483647;
+    std::swap(place[i], place[static_cast<std::size_t>(walk) % (i + 1)]);
+  }
+  entry_rows rows(place.size());
+  for (std::size_t i = 0; i < place.size(); ++i)
+    for (std::int32_t k = 1; k <= pairs; ++k) {
+      const std::int32_t one = place[i];
+      const std::int32_t other = place[(i + static_cast<std::size_t>(k)) % place.size()];
+      rows[static_cast<std::size_t>(one - 1)].push_back({other, one + 0.1 * k});
+      rows[static_cast<std::size_t>(other - 1)].push_back({one, one - 0.1 * k});
+    }
+  for (auto& row : rows)
+    std::sort(row.begin(), row.end(),
+              [](const entry& left, const entry& right) { return left.column < right.column; });
   return rows;
 }
 
