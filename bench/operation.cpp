@@ -35,6 +35,12 @@ matrix_maker uneven_rows() {
 matrix_maker renumbered_rows() {
   return [](double rows) { return renumbered(seven_point(rows), 64); };
 }
+matrix_maker random_order_rows() {
+  return [](double rows) {
+    const matrix a = twenty_seven_point(rows);
+    return renumbered(a, a.n);
+  };
+}
 matrix_maker tridiagonal_rows() {
   return [](double rows) { return band(rows, 1); };
 }

@@ -29,7 +29,8 @@ matrix_maker seven_point_rows();
 matrix_maker twenty_seven_point_rows();
 matrix_maker random_rows();
 matrix_maker uneven_rows();
-matrix_maker renumbered_rows();  // of 7 points, among 64
+matrix_maker renumbered_rows();    // of 7 points, among 64
+matrix_maker random_order_rows();  // of 27 points
 matrix_maker tridiagonal_rows();
 matrix_maker band_rows();                  // 101 diagonals
 matrix_maker seven_point_rows_of_three();  // unknowns

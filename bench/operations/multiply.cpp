@@ -14,6 +14,7 @@ operation multiply() {
                   on("27-point", twenty_seven_point_rows(), 262144, 3.5),
                   on("7-point, 3 unknowns", seven_point_rows_of_three(), 1e5, 0),
                   on("7-point, renumbered", renumbered_rows(), 1e6, 0),
+                  on("27-point, random order", random_order_rows(), 262144, 0),
                   on("random", random_rows(), 1e6, 4),
                   on("R-MAT", rmat_rows(), 16384, 1.6)};
   of.plain = [](const problem& p) {
