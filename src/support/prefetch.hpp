@@ -40,16 +40,18 @@ template <class T>
   prefetch_for_reading(first + (number - 1));
 }
 
-// Of some entries from all over, do most lead to rows that none of the 64 before them is near?
-// Fewer than `few` entries, 2^15 or more, are not looked at: what they lead to is in the cache.
-[[nodiscard]] inline bool scatters(const std::int32_t* rows, std::int32_t nnz, std::int32_t few) {
+// Of some entries from all over, do most lead to rows to which none of the 64 before them is nearer
+// than `near`? Fewer than `few` entries, 2^15 or more, are not looked at: what they lead to is in
+// the cache.
+[[nodiscard]] inline bool scatters(const std::int32_t* rows, std::int32_t nnz, std::int32_t few,
+                                   std::int32_t near = 16) {
   if (nnz < few) return false;
   constexpr std::int32_t samples = 256;
   std::int32_t alone = 0;
   for (std::int32_t sample = 1; sample <= samples; ++sample) {
     const std::int32_t* const row = rows + (nnz / samples * sample - 1);
-    alone += std::none_of(row - 64, row, [row](std::int32_t other) {
-      return std::int64_t{other} - *row < 16 && std::int64_t{*row} - other < 16;
+    alone += std::none_of(row - 64, row, [=](std::int32_t other) {
+      return std::int64_t{other} - *row < near && std::int64_t{*row} - other < near;
     });
   }
   return alone > samples / 2;
