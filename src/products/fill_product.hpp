@@ -7,7 +7,7 @@
 //   left rows with the columns of the row before              twin_rows, twin_paths   1.7 to 7
 //   paths of which nobody foresees where they lead            unforeseen_paths        1.1 to 1.9
 //
-// Beside the second and the last, and the plain walk, where left columns jump: rows_ahead, 1.2 to
+// Beside the second and the last, and the plain walk, where left columns jump: rows_ahead, up to
 // 7. What belongs to a way, with the matrices that were measured, stands in its file.
 #pragma once
 

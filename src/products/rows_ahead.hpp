@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// A walk that asks for the right rows of the paths to come, where the left columns jump so far that
-// memory is waited for at each of them.
+// A walk that asks for the right rows of the paths to come, where the left columns jump and memory
+// would be waited for at each of them.
 #pragma once
 
 #include "../support/prefetch.hpp"
