@@ -21,6 +21,19 @@ TEST(Scratch, HoldsZerosWhenAskedTo) {
   EXPECT_EQ(std::count(marker.begin(), marker.end(), 0), 1000);
 }
 
+// On small pages, on large ones, and as the system hands them out; storage that was given back has
+// been written to.
+TEST(Scratch, HoldsZerosWhateverItsSizeAndWhateverWasThereBefore) {
+  constexpr std::int64_t mebibyte = 1 << 20;
+  for (const std::int64_t length : {mebibyte, 7 * mebibyte / 4 - 1, 7 * mebibyte / 4,
+                                    4 * mebibyte - 1, 32 * mebibyte, 32 * mebibyte + 1})
+    for (int again = 0; again < 3; ++again) {
+      scratch<std::uint8_t> marker(length, contents::zero, "routine");
+      ASSERT_EQ(std::count(marker.begin(), marker.end(), 0), length);
+      std::fill(marker.begin(), marker.end(), std::uint8_t{255});
+    }
+}
+
 TEST(Scratch, CountsFrom1) {
   scratch<double> work(3, contents::undefined, "routine");
   work(1) = 1.0;
