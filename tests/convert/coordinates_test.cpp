@@ -157,6 +157,22 @@ TEST(FromCoordinates, TakesTheLargestColumnPresentWhenNoneIsGiven) {
   EXPECT_EQ(mat.type, matrix_real);
 }
 
+TEST(FromCoordinates, FindsTheLargestColumnWhereverItStands) {
+  for (const std::size_t nnz : {1U, 2U, 3U, 15U, 16U, 17U, 31U, 32U, 50U})
+    for (std::size_t largest = 0; largest < nnz; ++largest) {
+      const integers row(nnz, 1);
+      integers col(nnz);
+      for (std::size_t k = 0; k < nnz; ++k) col[k] = static_cast<std::int32_t>(k % 5) + 1;
+      col[largest] = 9;
+      csr_matrix mat;
+      expect_silent([&] {
+        coo_to_csr_format(1, static_cast<std::int32_t>(nnz), row, col, {}, mat,
+                          matrix_structure_only);
+      });
+      EXPECT_EQ(mat.m, 9) << "entry " << largest << " of " << nnz;
+    }
+}
+
 TEST(FromCoordinates, LooksAtNoMoreThanTheGivenNumberOfEntries) {
   const integers row{1, 2, 9};
   const integers col{1, 2, 9};
@@ -277,6 +293,17 @@ TEST(FromCoordinates, FindsTheOneEntryThatIsOutOfRowOrder) {
     integers one_back = row;
     std::swap(one_back[k], one_back[k - 3]);
     expect_dealt_out(2300, one_back);
+  }
+}
+
+// Row starts are looked through some at a time too, for rows without entries.
+TEST(FromCoordinates, FindsTheRowsWithoutEntries) {
+  for (std::int32_t empty = 1; empty <= 2100; empty += empty % 1024 < 4 ? 1 : 97) {
+    integers row;
+    for (std::int32_t i = 1; i <= 2100; ++i)
+      if (i != empty) row.push_back(i);
+    expect_dealt_out(2100, row);
+    expect_dealt_out(2100 + empty, row);
   }
 }
 
