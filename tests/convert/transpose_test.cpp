@@ -219,8 +219,8 @@ RC_GTEST_PROP(TransposeProperty, OfASymmetricPatternIsTheOneCountedToo, ()) {
   expect_transpose(rows, n);
 }
 
-// Large enough to look ahead: columns far apart, those of a symmetric pattern too, and columns near
-// those of the rows before.
+// Large enough to look ahead: columns far apart, those of a symmetric pattern too, columns near
+// those of the rows before, and a symmetric pattern near the diagonal.
 TEST(Transpose, OfALargeMatrixHoldsEveryEntryInItsColumn) {
   constexpr std::int32_t n = 20011;
   entry_rows scattered(n);
@@ -234,7 +234,8 @@ TEST(Transpose, OfALargeMatrixHoldsEveryEntryInItsColumn) {
           {static_cast<std::int32_t>(walk % n) + 1, value});
       near[static_cast<std::size_t>(i)].push_back({(i + 500 * k) % n + 1, value});
     }
-  for (const entry_rows& rows : {scattered, tests::mirrored_all_over(n, 24), near}) {
+  for (const entry_rows& rows :
+       {scattered, tests::mirrored_all_over(n, 24), near, tests::mirrored_band(n, 20)}) {
     entry_rows expected(n);
     for (std::int32_t i = 1; i <= n; ++i)
       for (const tests::entry& e : rows[static_cast<std::size_t>(i - 1)])

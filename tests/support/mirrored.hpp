@@ -54,6 +54,15 @@ inline entry_rows mirrored_all_over(std::int32_t n, std::int32_t pairs) {
   return rows;
 }
 
+// Rows that ascend, with every column as near to the diagonal as `reach`.
+inline entry_rows mirrored_band(std::int32_t n, std::int32_t reach) {
+  entry_rows rows(static_cast<std::size_t>(n));
+  for (std::int32_t i = 1; i <= n; ++i)
+    for (std::int32_t j = std::max(i - reach, 1); j <= std::min(i + reach, n); ++j)
+      rows[static_cast<std::size_t>(i - 1)].push_back({j, i + 0.25 * (j - i)});
+  return rows;
+}
+
 // One entry more or less, one side of the diagonal missing, or the entries of a row in another
 // order.
 inline void spoil(entry_rows& rows) {
