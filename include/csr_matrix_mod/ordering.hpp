@@ -76,9 +76,11 @@ void csr_matrix_condense(csr_matrix& mat, array_view<std::int32_t> col_wgt);
 /// of the transpose is not one of row i, with a line that names the first such:
 /// " nonsymmetric: n,m =  N M" or "non-symmetric entry " I J. A pattern with as many entries in row
 /// i as in column i, for every i, passes, symmetric or not.
-/// Cost: O(n + entries); the transpose and a marker of n integers as temporaries.
-/// Stops: "fail to allocate in is_symmetric"; as `csr_matrix_transpose`. Warns as
-/// `csr_matrix_allocate` when there are no entries.
+/// Cost: O(n + entries); the row starts of the transpose as temporaries, and a marker of n integers
+/// where they differ from those of mat.
+/// Stops: "fail to allocate in is_symmetric"; "csr_matrix_transpose: COUNT entries do not fit, at
+/// most 2147483646"; as `csr_matrix_initial`. Warns as `csr_matrix_allocate`, and may stop as it
+/// does, when there are no entries.
 bool matrix_is_struct_symmetric(const csr_matrix& mat);
 
 /// Sorts one row by column and merges repeated columns, values added.

@@ -215,10 +215,13 @@ TEST(Allocations, OfCondensingWithRepeatsAddClassesTwiceAsMany) {
                              integers(5)}));
 }
 
-TEST(Allocations, OfTheSymmetryTestAreATransposeAndAMarker) {
+TEST(Allocations, OfTheSymmetryTestAreRowStartsAndWhereTheyDifferAMarker) {
   const csr_matrix a = stencil();
   EXPECT_EQ(counted([&] { EXPECT_TRUE(matrix_is_struct_symmetric(a)); }),
-            (requests{4, matrix_bytes(rows, nnz) + integers(rows)}));
+            (requests{1, integers(rows + 1)}));
+  const csr_matrix two = tests::pattern(2, {{1, 2}, {2}});
+  EXPECT_EQ(counted([&] { EXPECT_TRUE(matrix_is_struct_symmetric(two)); }),
+            (requests{2, integers(3) + integers(2)}));
 }
 
 TEST(Allocations, OfCoordinateListsAreTheListsAndBackInRowOrderTheArrays) {
