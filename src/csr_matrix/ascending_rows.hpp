@@ -17,10 +17,17 @@ namespace csr_matrix_mod {
 [[nodiscard]] inline std::int32_t steps_between_rows(const std::int32_t* starts,
                                                      const std::int32_t* columns,
                                                      std::int64_t first, std::int64_t last) {
+  std::int32_t steps = 0;
+  std::int32_t without_entries = 0;
+  for (std::int64_t i = first; i <= last; ++i) without_entries |= starts[i] > starts[i - 1] ? 0 : 1;
+  if (without_entries == 0) {
+    for (std::int64_t i = first; i < last; ++i)
+      steps += columns[starts[i] - 2] < columns[starts[i] - 1] ? 0 : 1;
+    return steps;
+  }
+  if (!rows_follow(starts, first, last)) return -1;
   const std::int32_t low = starts[first - 1];
   const std::int32_t high = starts[last];
-  std::int32_t steps = 0;
-  if (!rows_follow(starts, first, last)) return -1;
   if (high - low < 2) return 0;
   for (std::int64_t i = first; i < last; ++i) {  // no branch: nobody foresees which rows are empty
     const std::int32_t start = starts[i];
@@ -35,13 +42,13 @@ namespace csr_matrix_mod {
 
 // Does every row ascend, from position 1 on, each column once? Then there is nothing to sort and
 // nothing to merge. Steps are counted some rows at a time, in vector registers; the first rows that
-// do not ascend end the search. 15 to 30 times as fast as sorting rows that are sorted, 3 to 6
-// times as fast as cleaning them.
+// do not ascend end the search. 8 to 15 times as fast as sorting rows that are sorted, 3.5
+// to 6.5 times as fast as cleaning them.
 [[nodiscard]] inline bool rows_ascend(const csr_matrix& mat) {
   const std::int32_t* const starts = mat.ia.data();
   const std::int32_t* const columns = mat.ja.data();
   if (mat.n < 1 || starts[0] != 1) return false;
-  constexpr std::int64_t rows_at_a_time = 256;
+  constexpr std::int64_t rows_at_a_time = 32;
   for (std::int64_t first = 1; first <= mat.n; first += rows_at_a_time) {
     const std::int64_t last = std::min<std::int64_t>(first + rows_at_a_time - 1, mat.n);
     std::int32_t steps = 0;
