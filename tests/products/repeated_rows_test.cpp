@@ -215,6 +215,33 @@ TEST(RepeatedRows, AreNotTakenForRowsThatLeadOverOthers) {
   expect_product_of_the_passes(real_matrix(210, left), real_matrix(210, right));
 }
 
+// Rows that are the row before moved by one column, by their definition.
+bool is_shifted(const entry_rows& rows, std::size_t row) {
+  const auto& before = rows[row - 1];
+  return !before.empty() && std::equal(before.begin(), before.end(), rows[row].begin(),
+                                       rows[row].end(), [](const entry& one, const entry& next) {
+                                         return next.column == one.column + 1;
+                                       });
+}
+
+// Rows of one length are looked at together, and one by one where not all of them are shifted.
+RC_GTEST_PROP(ShiftedRows, AreThoseThatAreTheRowBeforeMovedByOneColumn, ()) {
+  const auto n = *rc::gen::inRange<std::int32_t>(1, 400);
+  entry_rows rows = stretches(n, n + 400);
+  for (std::int32_t changes = *rc::gen::inRange(0, 6); changes > 0; --changes) {
+    auto& row = rows[*rc::gen::inRange<std::size_t>(0, rows.size())];
+    if (!row.empty()) row[*rc::gen::inRange<std::size_t>(0, row.size())].column = 1;
+  }
+  const csr_matrix mat = real_matrix(n + 400, rows);
+  std::int32_t expected = 0;
+  for (std::size_t row = 1; row < rows.size(); ++row) expected += is_shifted(rows, row) ? 1 : 0;
+  products::shifted_rows found;
+  RC_ASSERT(found.look(n, mat.ia.data(), mat.ja.data()) == (4 * expected >= 3 * n));
+  for (std::int32_t i = 2; i <= n; ++i)
+    RC_ASSERT((found.from(i) & 1U) ==
+              (is_shifted(rows, static_cast<std::size_t>(i - 1)) ? 1U : 0U));
+}
+
 // No column follows the largest.
 TEST(RepeatedRows, AreNotFoundInTheLargestColumn) {
   constexpr std::int32_t largest = std::numeric_limits<std::int32_t>::max();
