@@ -125,7 +125,7 @@ void coo_to_csr_format(std::int32_t n, std::int32_t nnz, array_view<const std::i
   csr_matrix_allocate(mat, nnz);
 
   // Fill in list order, so that each row keeps the order of the lists.
-  scatter(rows, nnz, values, cursor, mat.ja.data(), mat.a.data(), [=](const auto& put) {
+  scatter(rows, nnz, values, cursor, mat.ja.data(), mat.a.data(), [=](const auto& put, bool) {
     for (std::int32_t k = 1; k <= nnz; ++k) put(k, columns[k - 1]);
   });
   row_starts_from_cursors(mat);

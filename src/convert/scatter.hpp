@@ -50,9 +50,9 @@ class look_ahead {
 };
 
 // Puts entry k, one of the row rows[k-1], behind those that went to that row before, with its value
-// unless `values` is null. `for_each_entry` calls back with k and the column that it gets. Whether
-// there are values, and whether memory is asked for, is asked once and not at each entry: lists
-// without values 1.05 to 1.15 times as fast.
+// unless `values` is null. `for_each_entry` calls back with k and the column that it gets; it is told
+// whether memory is asked for here. That, and whether there are values, is asked once and not at
+// each entry: lists without values 1.05 to 1.15 times as fast.
 template <class ForEachEntry>
 void scatter(const std::int32_t* rows, std::int32_t nnz, const double* values, std::int32_t* cursor,
              std::int32_t* new_columns, double* new_values, const ForEachEntry& for_each_entry) {
@@ -66,17 +66,19 @@ void scatter(const std::int32_t* rows, std::int32_t nnz, const double* values, s
     new_values[put_column(k, column) - 1] = values[k - 1];
   };
   if (look.is_worth_it())
-    for_each_entry([&](std::int32_t k, std::int32_t column) {
-      look(k);
-      if (values != nullptr)
-        put_entry(k, column);
-      else
-        put_column(k, column);
-    });
+    for_each_entry(
+        [&](std::int32_t k, std::int32_t column) {
+          look(k);
+          if (values != nullptr)
+            put_entry(k, column);
+          else
+            put_column(k, column);
+        },
+        true);
   else if (values != nullptr)
-    for_each_entry(put_entry);
+    for_each_entry(put_entry, false);
   else
-    for_each_entry(put_column);
+    for_each_entry(put_column, false);
 }
 
 }  // namespace csr_matrix_mod

@@ -2,6 +2,7 @@
 // The transpose: a counting sort of the entries by column.
 #include "../csr_matrix/row_starts.hpp"
 #include "../support/entry_count.hpp"
+#include "../support/prefetch.hpp"
 #include "mirror_image.hpp"
 #include "scatter.hpp"
 
@@ -15,21 +16,70 @@ namespace {
 
 constexpr std::string_view routine = "csr_matrix_transpose";
 
+// Asks for memory some entries ahead of each row: for its own entries, and for those of the transpose
+// behind the one to which its last column leads, which no row has led to before. Columns near those
+// of the rows before: triangles of stencils and those that lean upwind are transposed 1.1 to 1.25
+// times as fast, random columns within 64 places 1.9 times. Rows of one or two entries took up to
+// 1.7 times as long.
+class rows_to_come {
+ public:
+  rows_to_come(const csr_matrix& mat, const csr_matrix& mat_t, std::int32_t stored)
+      : columns_(mat.ja.data()),
+        values_(mat.type == matrix_real ? mat.a.data() : nullptr),
+        cursor_(mat_t.ia.data()),
+        new_columns_(mat_t.ja.data()),
+        new_values_(mat_t.a.data()),
+        last_(stored > fits_the_cache && stored / few >= mat.n ? stored - ahead : 0) {}
+
+  // Before the row at positions `start` to `end` - 1.
+  [[gnu::always_inline]] inline void operator()(std::int32_t start, std::int32_t end) const {
+    if (end > last_ || start >= end) return;
+    const std::int32_t p = std::min(cursor_[columns_[end - 2] - 1], last_) + ahead;
+    const std::int32_t k = start + ahead;
+    prefetch_for_reading(columns_ + (k - 1));
+    prefetch_for_writing(new_columns_ + (p - 1));
+    if (values_ == nullptr) return;
+    prefetch_for_reading(values_ + (k - 1), end - start);
+    prefetch_for_writing(new_values_ + (p - 1), end - start);
+  }
+
+ private:
+  static constexpr std::int32_t ahead = 512;
+  static constexpr std::int32_t fits_the_cache = 3 << 18;
+  static constexpr std::int32_t few = 3;
+
+  const std::int32_t* columns_;
+  const double* values_;
+  const std::int32_t* cursor_;
+  const std::int32_t* new_columns_;
+  const double* new_values_;
+  std::int32_t last_;
+};
+
 // Rows are visited in order, so every row of the transpose comes out sorted. Rows may share their
 // storage, so that fewer entries are stored than visited.
 void scatter_rows(const csr_matrix& mat, csr_matrix& mat_t, std::int32_t stored) {
   const double* const values = mat.type == matrix_real ? mat.a.data() : nullptr;
+  const std::int32_t* const starts = mat.ia.data();
+  const std::int32_t n = mat.n;
+  const auto for_each_row = [=](const auto& put, const auto& before_row) {
+    // Row starts are kept, not read again: what is written to a cursor may look like them to the
+    // processor, which then waits (triangles of stencils took 1.15 times as long).
+    std::int32_t start = n > 0 ? starts[0] : 1;
+    for (std::int64_t i = 1; i <= n; ++i) {
+      const std::int32_t next_row = starts[i];
+      before_row(start, next_row);
+      for (std::int32_t k = start; k < next_row; ++k) put(k, static_cast<std::int32_t>(i));
+      start = next_row;
+    }
+  };
+  const rows_to_come ask_for(mat, mat_t, stored);
   scatter(mat.ja.data(), stored, values, mat_t.ia.data(), mat_t.ja.data(), mat_t.a.data(),
-          [&](const auto& put) {
-            // Row starts are kept, not read again: what is written to a cursor may look like them
-            // to the processor, which then waits (triangles of stencils took 1.15 times as long).
-            const std::int32_t* const starts = mat.ia.data();
-            std::int32_t start = mat.n > 0 ? starts[0] : 1;
-            for (std::int64_t i = 1; i <= mat.n; ++i) {
-              const std::int32_t next_row = starts[i];
-              for (std::int32_t k = start; k < next_row; ++k) put(k, static_cast<std::int32_t>(i));
-              start = next_row;
-            }
+          [&](const auto& put, bool memory_is_asked_for) {
+            if (memory_is_asked_for)
+              for_each_row(put, [](std::int32_t, std::int32_t) {});
+            else
+              for_each_row(put, ask_for);
           });
 }
 
