@@ -10,6 +10,9 @@
 
 #include <gtest/gtest.h>
 
+#if defined(__GLIBC__)
+#include <malloc.h>
+#endif
 #include <sys/resource.h>
 
 #include <algorithm>
@@ -310,6 +313,28 @@ TEST(FreshPages, AreMetByTheFirstOfSomeProductsAlone) {
   const std::int64_t before = pages_met();
   for (int again = 0; again < 10; ++again) multiply();
   EXPECT_LT(pages_met() - before, 290);
+}
+
+// Where the heap keeps what comes back, coarse operators that are formed again find room in it: here
+// is what the two products ask for, row starts, room for all paths, and the cut.
+TEST(Heap, DoesNotGrowWithCoarseOperatorsThatAreFormedAgain) {
+  ASSERT_EQ(::mallopt(M_MMAP_MAX, 0), 1);
+  ASSERT_EQ(::mallopt(M_TRIM_THRESHOLD, -1), 1);
+  std::size_t before = 0;
+  for (int again = 0; again < 12; ++again) {
+    csr_matrix result;
+    {
+      csr_matrix half;
+      csr_matrix_initial(1000000, half, 39304);
+      csr_matrix_allocate(half, 27787264);
+      csr_matrix_reallocate(half, 6236800);
+      csr_matrix_initial(39304, result, 39304);
+      csr_matrix_allocate(result, 20860000);
+      csr_matrix_reallocate(result, 1000000);
+    }
+    if (again == 3) before = ::mallinfo2().arena;
+  }
+  EXPECT_EQ(::mallinfo2().arena, before);
 }
 
 #endif
