@@ -32,23 +32,24 @@ template <std::size_t Parts>
     for (auto& row : sums)
       for (auto& part : row) part = _mm512_set1_pd(-0.0);  // to which a value is added as it is
     for (const spread_step* step = steps; step < steps + number; ++step) {
-      __m512i elements[Parts];
-      for (std::size_t d = 0; d < Parts; ++d) {
-        const auto bytes = static_cast<std::int64_t>(step->elements[d]);
-        elements[d] = _mm512_maskz_cvtepu8_epi64(all, _mm_set_epi64x(0, bytes));
-      }
       const double* l = left + (std::int64_t{x} * entries + step->entry);
       const double* r =
           right + (starts[step->column] - 1 + step->first + std::int64_t{x} * step->length);
-      for (auto& row : sums) {
-        const __m512d worth = _mm512_mul_pd(_mm512_set1_pd(*l), _mm512_loadu_pd(r));
-        for (std::size_t d = 0; d < Parts; ++d) {
-          const auto reached = static_cast<__mmask8>(step->reached[d]);
-          const __m512d spread = _mm512_maskz_permutexvar_pd(reached, elements[d], worth);
-          row[d] = _mm512_mask_add_pd(row[d], reached, spread, row[d]);
-        }
+      __m512d worth[rows_in_registers];
+      for (auto& of_row : worth) {
+        of_row = _mm512_mul_pd(_mm512_set1_pd(*l), _mm512_loadu_pd(r));
         l += entries;
         r += step->length;
+      }
+      for (std::size_t d = 0; d < Parts; ++d) {
+        const auto reached = static_cast<__mmask8>(step->reached[d]);
+        if (reached == 0) continue;  // 7 points: half of the parts, 1.1 times as fast
+        const auto bytes = static_cast<std::int64_t>(step->elements[d]);
+        const __m512i elements = _mm512_maskz_cvtepu8_epi64(all, _mm_set_epi64x(0, bytes));
+        for (std::size_t row = 0; row < rows_in_registers; ++row) {
+          const __m512d spread = _mm512_maskz_permutexvar_pd(reached, elements, worth[row]);
+          sums[row][d] = _mm512_mask_add_pd(sums[row][d], reached, spread, sums[row][d]);
+        }
       }
     }
     double* to = rows + std::int64_t{x} * width;
