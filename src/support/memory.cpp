@@ -5,7 +5,6 @@
 #include <atomic>
 #include <cstdint>
 #include <cstdlib>
-#include <cstring>
 
 #if defined(__GLIBC__)
 #include <malloc.h>
@@ -134,19 +133,10 @@ void* obtain(std::size_t bytes) noexcept {
   return block != nullptr ? block : std::malloc(bytes);
 }
 
-// Zeros that the system hands out cost nothing until they are touched; where they are few, large
-// pages that are written to are the faster ones all the same.
+// Zeros that the system hands out cost nothing until they are touched, and the marker of a sum or
+// product of stencils hardly is: no pages are asked for that would be filled as a whole.
 void* obtain_zeroed(std::size_t bytes) noexcept {
-  constexpr std::size_t few = std::size_t{32} << 20;
-  if (refused(bytes)) return nullptr;
-  void* block = std::calloc(at_least_one(bytes), 1);
-  if (in_huge_pages(bytes) == 0 || bytes > few || !is_mapped(block))
-    return with_huge_pages(block, bytes);
-  std::free(block);
-  block = on_huge_pages(bytes);
-  if (block == nullptr) return std::calloc(bytes, 1);
-  std::memset(block, 0, bytes);
-  return block;
+  return refused(bytes) ? nullptr : with_huge_pages(std::calloc(at_least_one(bytes), 1), bytes);
 }
 
 void* resize_block(void* block, std::size_t bytes) noexcept {

@@ -21,7 +21,7 @@ TEST(Scratch, HoldsZerosWhenAskedTo) {
   EXPECT_EQ(std::count(marker.begin(), marker.end(), 0), 1000);
 }
 
-// On small pages, on large ones, and as the system hands them out; storage that was given back has
+// On small pages and on large ones, mapped and from the heap; storage that was given back has
 // been written to.
 TEST(Scratch, HoldsZerosWhateverItsSizeAndWhateverWasThereBefore) {
   constexpr std::int64_t mebibyte = 1 << 20;
