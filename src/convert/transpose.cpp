@@ -16,11 +16,11 @@ namespace {
 
 constexpr std::string_view routine = "csr_matrix_transpose";
 
-// Asks for memory some entries ahead of each row: for its own entries, and for those of the transpose
-// behind the one to which its last column leads, which no row has led to before. Columns near those
-// of the rows before: triangles of stencils and those that lean upwind are transposed 1.1 to 1.25
-// times as fast, random columns within 64 places 1.9 times. Rows of one or two entries took up to
-// 1.7 times as long.
+// Asks for memory some entries ahead of each row: for its own entries, and for those of the
+// transpose behind the one to which its last column leads, which no row has led to before. That
+// pays where columns are near those of the rows before: triangles of stencils and stencils that
+// lean upwind are transposed 1.1 to 1.25 times as fast, random columns within 64 places 1.9 times.
+// Rows of one or two entries took up to 1.7 times as long.
 class rows_to_come {
  public:
   rows_to_come(const csr_matrix& mat, const csr_matrix& mat_t, std::int32_t stored)

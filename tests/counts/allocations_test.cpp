@@ -315,8 +315,8 @@ TEST(FreshPages, AreMetByTheFirstOfSomeProductsAlone) {
   EXPECT_LT(pages_met() - before, 290);
 }
 
-// Where the heap keeps what comes back, coarse operators that are formed again find room in it: here
-// is what the two products ask for, row starts, room for all paths, and the cut.
+// Where the heap keeps what comes back, coarse operators that are formed again find room in it:
+// here is what the two products ask for, row starts, room for all paths, and the cut.
 TEST(Heap, DoesNotGrowWithCoarseOperatorsThatAreFormedAgain) {
   ASSERT_EQ(::mallopt(M_MMAP_MAX, 0), 1);
   ASSERT_EQ(::mallopt(M_TRIM_THRESHOLD, -1), 1);

@@ -7,7 +7,7 @@ using namespace tests;
 
 namespace {
 
-//     [ .  2 ] [ 3  . ]   [ 10  8 ]     row 1 of the left operand is stored with columns 2, 1 and 1,
+//     [ .  2 ] [ 3  . ]   [ 10  8 ]     row 1 of the left operand is stored with columns 2, 1, 1,
 //     [ .  . ] [ 5  4 ]                 its values 2, 1 and -1; row 2 is empty
 class MatmulPasses : public testing::Test {
  protected:
