@@ -163,7 +163,7 @@ TEST(TwinRows, KeepInfinitiesAndTheSignOfZero) {
   expect_product_of_the_passes(mat, mat);
 }
 
-//   1 1 .       . 1 .     Rows 1 and 2 lead to columns 1 and 2, and each leaves out its own: no more
+//   1 1 .       . 1 .     Rows 1 and 2 lead to columns 1 and 2, each leaves out its own: no more
 //   1 1 .  -->  1 . .     is stored for both than for one alone. Row 3 must not take what they met
 //   1 . .       1 1 .     for its own.
 TEST(TwinRows, OfAGraphLeaveOutADiagonalEach) {
