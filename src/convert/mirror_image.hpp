@@ -81,9 +81,8 @@ template <class Meet>
   const std::int32_t* const columns = mat.ja.data();
   const std::int64_t n = mat.n;
   constexpr std::int32_t ahead = 512;
-  constexpr std::int32_t fits_the_cache = 3 << 18;
   const std::int32_t nnz = csr_matrix_num_nz(mat);
-  const std::int32_t last_ahead = nnz > fits_the_cache ? nnz - ahead : 0;
+  const std::int32_t last_ahead = nnz > entries_in_cache ? nnz - ahead : 0;
   std::int64_t behind_without_partner = 0;
   for (std::int64_t row = 1; row <= n; ++row) {
     const auto i = static_cast<std::int32_t>(row);

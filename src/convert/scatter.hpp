@@ -25,7 +25,7 @@ class look_ahead {
         cursor_(cursor),
         new_columns_(new_columns),
         new_values_(new_values),
-        last_(scatters(rows, nnz, fits_the_cache) ? nnz - 2 * distance : 0) {}
+        last_(scatters(rows, nnz, entries_in_cache) ? nnz - 2 * distance : 0) {}
 
   [[nodiscard]] bool is_worth_it() const { return last_ > 0; }
 
@@ -40,7 +40,6 @@ class look_ahead {
 
  private:
   static constexpr std::int32_t distance = 16;
-  static constexpr std::int32_t fits_the_cache = 3 << 18;
 
   const std::int32_t* rows_;
   const std::int32_t* cursor_;

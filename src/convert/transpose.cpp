@@ -29,7 +29,7 @@ class rows_to_come {
         cursor_(mat_t.ia.data()),
         new_columns_(mat_t.ja.data()),
         new_values_(mat_t.a.data()),
-        last_(stored > fits_the_cache && stored / few >= mat.n ? stored - ahead : 0) {}
+        last_(stored > entries_in_cache && stored / few >= mat.n ? stored - ahead : 0) {}
 
   // Before the row at positions `start` to `end` - 1.
   [[gnu::always_inline]] inline void operator()(std::int32_t start, std::int32_t end) const {
@@ -45,7 +45,6 @@ class rows_to_come {
 
  private:
   static constexpr std::int32_t ahead = 512;
-  static constexpr std::int32_t fits_the_cache = 3 << 18;
   static constexpr std::int32_t few = 3;
 
   const std::int32_t* columns_;
