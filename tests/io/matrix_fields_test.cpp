@@ -246,6 +246,29 @@ TEST(QuickLines, AreFieldsOneBelowTheOther) {
   EXPECT_EQ(lines_of(std::vector<double>{}), "");
 }
 
+// However many there are, and wherever among them those stand that only the general way decides.
+TEST(QuickLines, OfValuesAreTheGeneralFieldsOneBelowTheOther) {
+  std::mt19937_64 random(10);
+  const std::array<double, 6> undecided = {0.123456785,
+                                           -1.5e-200,
+                                           5e-324,
+                                           1e300,
+                                           std::numeric_limits<double>::infinity(),
+                                           std::numeric_limits<double>::quiet_NaN()};
+  for (std::size_t count = 1; count <= 13; ++count)
+    for (int k = 0; k < 200; ++k) {
+      std::vector<double> values(count);
+      for (double& value : values)
+        value = random() % 8 == 0
+                    ? undecided[random() % undecided.size()]
+                    : std::ldexp(static_cast<double>(random() >> 11), -53 - int(random() % 20));
+      std::string expected;
+      for (const double value : values)
+        expected.append(general_value(value).text(g20_8_columns)).append("\n");
+      ASSERT_EQ(lines_of(values), expected);
+    }
+}
+
 TEST(QuickLines, AreTakenUpToTheFirstThatIsNotWhole) {
   const std::string text = lines_of(std::vector<std::int32_t>{5, 60, 700});
   std::array<std::int32_t, 4> to = {-1, -1, -1, -1};
