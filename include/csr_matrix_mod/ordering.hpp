@@ -19,11 +19,10 @@ namespace csr_matrix_mod {
 /// Requires: `mat` has row starts; structure only is welcome.
 /// Ensures: each row holds each column once, ascending; values that meet are added in stored order.
 /// Capacity becomes exactly the number of entries if anything was merged, else it is kept.
-/// Cost: O(n + entries); temporaries of n+1 integers and, for each entry of the longest row, three
-/// words of 8 bytes. A matrix that is sorted is only looked at.
-/// Stops: "allocation error in csr_matrix_sort", and as `csr_matrix_sortrow` or
-/// `csr_matrix_sortrow_noval`, with `mat` unchanged; as `csr_matrix_reallocate` half-way, with
-/// entries out of place.
+/// Cost: O(n + entries); temporaries of three words of 8 bytes for each entry of the longest row. A
+/// matrix that is sorted is only looked at.
+/// Stops: as `csr_matrix_sortrow` or `csr_matrix_sortrow_noval`, with `mat` unchanged; as
+/// `csr_matrix_reallocate` where the storage cannot be cut, with `mat` sorted.
 void csr_matrix_sort(csr_matrix& mat);
 
 /// Merges repeated columns of every row, values added, without sorting.

@@ -8,6 +8,7 @@
 #include <csr_matrix_mod/ordering.hpp>
 
 #include <algorithm>
+#include <utility>
 
 namespace csr_matrix_mod {
 
@@ -57,18 +58,20 @@ void sort_row(std::int32_t& len, std::int32_t* cols, const Values& values) {
   len = k;
 }
 
-// Sorts every row and moves it to where the row before it ends; the new row starts.
-void sort_rows(csr_matrix& mat, std::int32_t* newia) {
+// Sorts every row and moves it to where the row before it ends. How many entries remain.
+std::int32_t sort_rows(csr_matrix& mat) {
   row_sorter sorter(mat, longest_row(mat),
                     mat.type == matrix_structure_only ? no_values::routine : row_values::routine);
-  const std::int32_t* const starts = mat.ia.data();
+  std::int32_t* const starts = mat.ia.data();
   std::int32_t q = 1;
-  newia[0] = q;
+  std::int32_t next_row = std::exchange(starts[0], q);
   for (std::int64_t i = 1; i <= mat.n; ++i) {
-    const std::int32_t start = starts[i - 1];
-    q += sorter.sort(start, starts[i] - start, q);
-    newia[i] = q;
+    const std::int32_t start = next_row;
+    next_row = starts[i];
+    q += sorter.sort(start, next_row - start, q);
+    starts[i] = q;
   }
+  return q - 1;
 }
 
 }  // namespace
@@ -83,13 +86,10 @@ void csr_matrix_sortrow_noval(std::int32_t& len, array_view<std::int32_t> cols) 
 
 void csr_matrix_sort(csr_matrix& mat) {
   if (rows_ascend(mat)) return;
-  scratch<std::int32_t> newia(std::int64_t{mat.n} + 1, contents::undefined, "csr_matrix_sort");
-  sort_rows(mat, newia.data());
-
+  const std::int32_t stored = csr_matrix_num_nz(mat);
+  const std::int32_t nnz = sort_rows(mat);
   // Nothing merged: the storage stays, spare capacity included.
-  const std::int32_t nnz = newia(newia.length()) - 1;
-  if (nnz != csr_matrix_num_nz(mat)) csr_matrix_reallocate(mat, nnz);
-  std::copy(newia.begin(), newia.end(), mat.ia.data());
+  if (nnz != stored) csr_matrix_reallocate(mat, nnz);
 }
 
 }  // namespace csr_matrix_mod
