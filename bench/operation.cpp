@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "operation.hpp"
 
+#include "ours.hpp"
+
 #include <utility>
 
 namespace bench {
@@ -59,6 +61,18 @@ double scalar_products(const matrix& a, const matrix& b) {
   for (const std::int32_t j : a.columns)
     products += b.starts[static_cast<std::size_t>(j)] - b.starts[static_cast<std::size_t>(j) - 1];
   return products;
+}
+
+reference copied() {
+  return {"A copied", [](const problem& p) {
+            return makes(
+                [a = ours::record(p.a)] {
+                  ours::csr_matrix copy;
+                  csr_matrix_mod::csr_matrix_assign(copy, a);
+                  return copy;
+                },
+                [](const ours::csr_matrix&) { return answer{}; });
+          }};
 }
 
 std::vector<operation> operations() {

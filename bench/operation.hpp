@@ -45,6 +45,10 @@ struct reference {
   maker make;
 };
 
+// The arrays of A copied into new ones: what takes each entry in and puts it out once takes as long
+// at least.
+reference copied();
+
 struct operation {
   std::string name;
   std::string formula;

@@ -52,6 +52,7 @@ operation coordinates() {
         },
         [](const ours::csr_matrix& a) { return matrix_answer(ours::arrays(a)); });
   };
+  of.references = {copied()};
   return of;
 }
 

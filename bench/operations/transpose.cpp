@@ -25,6 +25,7 @@ operation transpose() {
         },
         [](const ours::csr_matrix& t) { return matrix_answer(ours::arrays(t)); });
   };
+  of.references = {copied()};
   of.of_size = [](double rows) { return on("", random_rows(), rows, 0).generate({}); };
   of.work = [](const problem& p) { return static_cast<double>(p.a.nnz()); };
   return of;
