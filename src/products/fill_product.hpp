@@ -14,9 +14,9 @@
 #include "path_values.hpp"
 #include "product_walk.hpp"
 #include "repeated_rows.hpp"
+#include "row_repeats.hpp"
 #include "rows_ahead.hpp"
 #include "rows_of_one.hpp"
-#include "shifted_rows.hpp"
 #include "twin_paths.hpp"
 #include "twin_rows.hpp"
 #include "unforeseen_paths.hpp"
@@ -29,47 +29,16 @@
 
 namespace csr_matrix_mod::products {
 
-// The shifted rows of both operands; few rows are not looked at. The operand with fewer entries is
-// looked at first, and the other only if that has many.
-class repeats {
- public:
-  repeats(const operands& of, std::int32_t right_rows) noexcept
-      : square_(of.n == right_rows && of.ia.data() == of.ib.data() &&
-                of.ja.data() == of.jb.data()) {
-    const auto left = [&] { return left_.look(of.n, of.ia.data(), of.ja.data()); };
-    const auto right = [&] { return right_.look(right_rows, of.ib.data(), of.jb.data()); };
-    if (of.n < few || right_rows < few) return;
-    if (square_)
-      any_ = left();
-    else if (of.ia(of.n + std::int64_t{1}) < of.ib(right_rows + std::int64_t{1}))
-      any_ = left() && right();
-    else
-      any_ = right() && left();
-  }
-
-  [[nodiscard]] bool any() const noexcept { return any_; }
-  [[nodiscard]] const shifted_rows& left() const noexcept { return left_; }
-  [[nodiscard]] const shifted_rows& right() const noexcept { return square_ ? left_ : right_; }
-
- private:
-  static constexpr std::int32_t few = 16;
-
-  bool square_;
-  bool any_ = false;
-  shifted_rows left_;
-  shifted_rows right_;
-};
-
 template <diagonal Diagonal, class Values, class Path>
 void fill_product(const csr_matrix& m1, const csr_matrix& m2, std::int32_t ncol, csr_matrix& m3,
                   const Values& values, const Path& path, std::int32_t* mark) {
   const operands of{m1.n, ncol, m1.ia, m1.ja, m2.ia, m2.ja};
   const product<Values> to{m3.ia, m3.ja, values};
-  const repeats found(of, m2.n);
-  if (found.any())
+  const row_repeats repeats(of, m2.n);
+  if (repeats.worthwhile())
     return store_entries<Diagonal>(
         of, to, path, mark, rows_by_starts{of.ib.data()},
-        repeated_rows<Diagonal, Values, Path>(of, to, path, found.left(), found.right(), m2.n));
+        repeated_rows<Diagonal, Values, Path>(of, to, path, repeats, m2.n));
   const bool of_one = rows_of_one::are(of.ib, m2.n);
   constexpr bool counted = !Path::multiplies_values;
   if constexpr (counted || Diagonal == diagonal::kept) {

@@ -89,12 +89,15 @@ struct rows_by_starts {
 // the row's first is one of an earlier row, so it need not be cleared either. `left` times `right`
 // of `path` is what a path is worth; `right_rows` is as `rows_by_starts`, `beside` as `walk_alone`,
 // `foresight` as `paths_foreseen`. A function of its own, so that what its loops need stays in
-// registers.
+// registers, that begins with a line of the cache: from the middle of one, 27 points took up to
+// 1.25 times as long.
 template <diagonal Diagonal, class Values, class Path, class Rows, class Beside = walk_alone,
           class Foresight = paths_foreseen>
-[[gnu::noinline]] void store_entries(const operands& of, const product<Values>& to, const Path path,
-                                     std::int32_t* const mark, const Rows right_rows,
-                                     Beside beside = {}, Foresight foresight = {}) {
+[[gnu::noinline, gnu::aligned(64)]] void store_entries(const operands& of,
+                                                       const product<Values>& to, const Path path,
+                                                       std::int32_t* const mark,
+                                                       const Rows right_rows, Beside beside = {},
+                                                       Foresight foresight = {}) {
   const std::int32_t* const left_starts = of.ia.data();
   const std::int32_t* const left_columns = of.ja.data();
   const std::int32_t* const right_columns = of.jb.data();

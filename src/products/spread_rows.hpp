@@ -25,12 +25,12 @@ struct spread_step {
   std::array<std::uint64_t, most_parts> reached;
 };
 
-// 16 rows of `width` sums, at most 32, of so many steps. `left` has `entries` factors for each row.
-// The right row of column c starts at `starts[c]`, from 1 on, and stands before that for the next
-// row of the product; 7 values behind the last one may be read.
+// Some rows of `width` sums, at most 32, of so many steps. `left` has `entries` factors for each
+// row. The right row of column c starts at `starts[c]`, from 1 on, and stands before that for the
+// next row of the product; 7 values behind the last one may be read.
 using spread_kernel = void(const spread_step* steps, std::int32_t number, std::int32_t width,
                            const double* left, std::int32_t entries, const double* right,
-                           const std::int32_t* starts, double* rows);
+                           const std::int32_t* starts, std::int32_t number_of_rows, double* rows);
 
 // Null where registers are too narrow.
 [[nodiscard]] spread_kernel* spread_in_widest_registers() noexcept;

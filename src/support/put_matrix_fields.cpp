@@ -172,8 +172,8 @@ struct decimal {
 };
 
 // Not decided where the power of ten, which is off by some roundings, could make a fraction too
-// near to a half go either way. All errors, below 100 times 2**-53 of a number below 2**27, stay far
-// below the margin of 2**-16. No branch depends on the value.
+// near to a half go either way. All errors, below 100 times 2**-53 of a number below 2**27, stay
+// far below the margin of 2**-16. No branch depends on the value.
 inline decimal in_decimal(double value) noexcept {
   constexpr double margin = 0x1p-16;
   constexpr double no_fraction = 0x1.8p52;  // a sum of this size has no bits for one

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Products of stencils, whose rows repeat the row before moved by one column, against the two
 // passes that walk every row: the same arrays to the last bit.
+#include "../../src/products/row_repeats.hpp"
 #include "../../src/products/shifted_rows.hpp"
 
 #include "faster_ways.hpp"
@@ -21,18 +22,20 @@ namespace {
 
 // Rows that follow each other in stretches: in each all rows have the same columns relative to the
 // row, in any order, repeated columns among them. What leaves the matrix is left out, as at the rim
-// of a grid; now and then an entry more breaks a row.
+// of a grid; in some matrices an entry more breaks a row now and then.
 entry_rows stretches(std::int32_t n, std::int32_t m) {
   entry_rows rows(static_cast<std::size_t>(n));
   std::vector<std::int32_t> offsets;
+  const bool broken = *rc::gen::inRange(0, 3) == 0;
   for (std::int32_t i = 0; i < n; ++i) {
-    if (i == 0 || *rc::gen::inRange(0, 60) == 0)
+    if (i == 0 || *rc::gen::inRange(0, 90) == 0)
       offsets = *rc::gen::container<std::vector<std::int32_t>>(*rc::gen::inRange<std::size_t>(0, 7),
                                                                rc::gen::inRange(-12, 13));
     auto& row = rows[static_cast<std::size_t>(i)];
     for (const std::int32_t offset : offsets)
       if (i + offset >= 0 && i + offset < m) row.push_back({i + offset + 1, 0.0});
-    if (m > 0 && *rc::gen::inRange(0, 80) == 0) row.push_back({*rc::gen::inRange(1, m + 1), 0.0});
+    if (broken && m > 0 && *rc::gen::inRange(0, 80) == 0)
+      row.push_back({*rc::gen::inRange(1, m + 1), 0.0});
   }
   // Drawing each value would take seconds.
   std::uint64_t state = *rc::gen::arbitrary<std::uint64_t>();
@@ -50,7 +53,7 @@ struct operand_pair {
 };
 
 operand_pair any_pair() {
-  const auto n = *rc::gen::inRange<std::int32_t>(1, 200);
+  const auto n = *rc::gen::inRange<std::int32_t>(1, 400);
   const auto middle = n + *rc::gen::inRange<std::int32_t>(-3, 4);
   const auto m = n + *rc::gen::inRange<std::int32_t>(-3, 4);
   return {real_matrix(std::max(middle, 0), stretches(n, std::max(middle, 0))),
@@ -193,7 +196,7 @@ TEST(RepeatedRows, AreNotLookedForBehindManyThatDoNotRepeat) {
 
 // More kinds of rows than are remembered, each so small that all would fit.
 TEST(RepeatedRows, AreFoundWhereManySmallKindsFollowEachOther) {
-  constexpr std::int32_t kinds = 40;
+  constexpr std::int32_t kinds = 300;
   constexpr std::int32_t stretch = 20;
   constexpr std::int32_t n = kinds * stretch;
   entry_rows rows(n);
@@ -202,6 +205,19 @@ TEST(RepeatedRows, AreFoundWhereManySmallKindsFollowEachOther) {
     if (column <= n) rows[static_cast<std::size_t>(i)].push_back({column, 1.0 / (i + 1)});
   }
   expect_square_of_the_passes(real_matrix(n, rows));
+}
+
+// Kinds of rows that differ in the columns of the right rows alone.
+TEST(RepeatedRows, AreNotTakenForRowsThatLeadToOtherColumns) {
+  constexpr std::int32_t n = 600;
+  entry_rows left(n);
+  entry_rows right(n);
+  for (std::int32_t i = 0; i < n; ++i) {
+    left[static_cast<std::size_t>(i)].push_back({i + 1, 1.0 / (i + 1)});
+    for (const std::int32_t offset : {0, i / 25 % 4 + 1, 6})
+      right[static_cast<std::size_t>(i)].push_back({i + offset + 1, 2.0 + i});
+  }
+  expect_product_of_the_passes(real_matrix(n, left), real_matrix(n + 6, right));
 }
 
 // The second hundred rows lead over other right rows to the same columns as the first hundred.
@@ -240,6 +256,31 @@ RC_GTEST_PROP(ShiftedRows, AreThoseThatAreTheRowBeforeMovedByOneColumn, ()) {
   for (std::int32_t i = 2; i <= n; ++i)
     RC_ASSERT((found.from(i) & 1U) ==
               (is_shifted(rows, static_cast<std::size_t>(i - 1)) ? 1U : 0U));
+}
+
+// A row of three entries and those that repeat it, again and again.
+csr_matrix runs_of(std::int32_t repeats) {
+  constexpr std::int32_t n = 3000;
+  entry_rows rows(n);
+  for (std::int32_t i = 0; i < n; ++i) {
+    const std::int32_t kind = i / (repeats + 1) % 2;
+    for (const std::int32_t offset : {0, kind + 1, 3})
+      rows[static_cast<std::size_t>(i)].push_back({i + offset + 1, 1.0 / (i + offset + 1)});
+  }
+  return real_matrix(n + 3, rows);
+}
+
+csr_matrix identity(std::int32_t n) { return real_matrix(n, band(n, 0, 1.0)); }
+
+TEST(RowRepeats, AreWorthwhileWhereMoreThanEightFollowEachOther) {
+  for (const std::int32_t repeats : {5, 6, 7, 8, 9, 40, 100}) {
+    const csr_matrix left = identity(3000);
+    const csr_matrix right = runs_of(repeats);
+    const products::row_repeats found({left.n, right.m, left.ia, left.ja, right.ia, right.ja},
+                                      right.n);
+    EXPECT_EQ(found.worthwhile(), repeats > 8) << repeats;
+    expect_product_of_the_passes(left, right);
+  }
 }
 
 // No column follows the largest.
