@@ -45,8 +45,9 @@ class row_repeats {
     const auto left = [&] { return left_.look(of.n, of.ia.data(), of.ja.data()); };
     const auto right = [&] { return right_.look(right_rows, of.ib.data(), of.jb.data()); };
     if (square_) return left();
-    const bool left_first = of.ia(of.n + std::int64_t{1}) < of.ib(right_rows + std::int64_t{1});
-    return left_first ? left() && right() : right() && left();
+    if (of.ia(of.n + std::int64_t{1}) < of.ib(right_rows + std::int64_t{1}))
+      return left() && right();
+    return right() && left();
   }
 
   // Do 8 rows or more on average follow a row that they repeat, where any does? Some stretches of
