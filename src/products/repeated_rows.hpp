@@ -21,7 +21,6 @@
 #include "spread_rows.hpp"
 
 #include <algorithm>
-#include <bit>
 #include <cstdint>
 
 namespace csr_matrix_mod::products {

@@ -52,7 +52,7 @@ struct row_pattern {
 };
 
 // The patterns that a product has met last: as many as there are kinds of rows in A A on a grid,
-// where each of three directions has five. With a tenth of them, A A of 7 points took 1.4 times as
+// where each of three directions has five. With a tenth of them, A A of 7 points took 1.3 times as
 // long on a cube of 20 to 30 points a side.
 class row_patterns {
  public:

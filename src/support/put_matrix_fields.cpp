@@ -4,7 +4,6 @@
 #include "eight_bytes.hpp"
 #include "matrix_fields.hpp"
 
-#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstddef>
