@@ -741,7 +741,7 @@ TEST(ShortageOfClasses, LeavesTheMatrixAndTheWeightsAsTheyWere) {
     EXPECT_EQ(mat.m, 3);
     EXPECT_EQ(weight, (std::vector<std::int32_t>{10, 20, 30}));
   }
-  EXPECT_EQ(k, 5);  // columns, classes, more of them, numbers, weights; then the matrix is cut
+  EXPECT_EQ(k, 7);  // columns, classes, more of them, what is kept of both; then the matrix is cut
 }
 
 // What is returned as text is a std::string, which tells of a shortage as it always does.
