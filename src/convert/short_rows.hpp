@@ -42,6 +42,21 @@ class short_rows {
     return !any(descents(one, length) | descents(other, other_length));
   }
 
+  // Is each column of a short row there once, in whatever order?
+  [[nodiscard]] static bool each_is_once(const std::int32_t* row, std::int32_t length) noexcept {
+    lanes repeats{};
+    lanes position = {0, 1, 2, 3};
+    for (std::int32_t first = 0; first < length; first += width, position += width) {
+      const lanes columns = load(row + first);
+      for (std::int32_t k = first + 1; k < length; ++k) {
+        const lanes equal = splat(row[k]) == columns;
+        const lanes before = position < splat(k);
+        repeats |= equal & before;
+      }
+    }
+    return !any(repeats);
+  }
+
   // Has the other row a column of the first? Columns behind its end may say so wrongly.
   [[nodiscard]] bool may_share_columns() const noexcept { return may_share_; }
 
@@ -61,6 +76,8 @@ class short_rows {
     std::memcpy(&loaded, columns, sizeof loaded);
     return loaded;
   }
+
+  static lanes splat(std::int32_t number) noexcept { return lanes{} + number; }
 
   static bool any(lanes found) noexcept { return (found[0] | found[1] | found[2] | found[3]) != 0; }
 

@@ -95,8 +95,8 @@ class filling {
     return add_row(other, i, first, add_row(one, i, first, first));
   }
 
-  // Have both operands the same columns in rows i to `last`, ascending and hence each once? Rows
-  // that differ mostly do so in their first column or their length.
+  // Have both operands the same columns in rows i to `last`, each once? Rows that differ mostly do
+  // so in their first column or their length.
   static bool are_equal(const operand& one, const operand& other, std::int64_t i,
                         std::int64_t last) {
     const std::int32_t from = one.starts[i - 1] - 1;
@@ -114,7 +114,22 @@ class filling {
       differences |= columns[k] ^ others[k];
       steps += columns[k - 1] < columns[k] ? 0 : 1;
     }
-    return differences == 0 && steps == steps_between_rows(one.starts, one.columns, i, last);
+    return differences == 0 &&
+           (steps == steps_between_rows(one.starts, one.columns, i, last) ||  // all rows ascend
+            each_is_once(one, i, last));
+  }
+
+  // Rows that do not ascend are looked at while they are short: those of 5 shuffled points are added
+  // 2.6 times as fast as with the marker.
+  static bool each_is_once(const operand& of, std::int64_t i, std::int64_t last) {
+    for (std::int64_t row = i; row <= last; ++row) {
+      const std::int32_t from = of.starts[row - 1] - 1;
+      const std::int32_t length = of.starts[row] - 1 - from;
+      if (!short_rows::is_short(length, of.entries - from) ||
+          !short_rows::each_is_once(of.columns + from, length))
+        return false;
+    }
+    return true;
   }
 
   // Such rows need no marker, and are copied and added up as one. Where all rows are such, 1.2 to 2

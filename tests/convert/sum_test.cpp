@@ -274,6 +274,30 @@ TEST(Sum, FindsTheOneRowOfManyThatDiffers) {
     }
 }
 
+// The same columns in an order that does not ascend, in rows as long as short ones and longer; none
+// is repeated, or one of them anywhere else in the row. Another order would give other values.
+TEST(Sum, AddsEqualRowsThatDoNotAscend) {
+  constexpr std::int32_t m = 60;
+  constexpr std::int32_t odd = 20;
+  for (std::int32_t length = 2; length <= 18; ++length)
+    for (std::int32_t first = 0; first < length; ++first)
+      for (std::int32_t again = first; again < length; again += 1 + length / 9) {
+        entry_rows rows;
+        for (std::int32_t i = 0; i < 40; ++i) {
+          auto& row = rows.emplace_back();
+          for (std::int32_t k = 0; k < length; ++k)
+            row.push_back({1 + (i + (k * 7 + 3) % 19 * 3) % m, (k % 3 - 1) * 1e15 + 0.1 * k});
+        }
+        rows[odd][static_cast<std::size_t>(again)].column =
+            rows[odd][static_cast<std::size_t>(first)].column;
+        const csr_matrix mat = real_matrix(m, rows);
+        csr_matrix twice;
+        observe([&] { csr_matrix_sum(mat, mat, twice); });
+        ASSERT_EQ(entries_of(twice), tests::dense::sum(rows, rows, m))
+            << length << ", " << first << ", " << again;
+      }
+}
+
 // Every pair of lengths around that of short rows, with columns of which many, few or none are
 // those of the other row, up to the last row and the last slot there is, with room for more entries
 // than there are and without; values as above.
