@@ -298,6 +298,18 @@ TEST(Sort, FindsTheOneRowThatIsOutOfOrder) {
   }
 }
 
+TEST(Sort, FindsTheOneRowThatIsOutOfOrderAmongNearlyEmptyOnes) {
+  for (std::size_t i = 0; i < 100; ++i) {
+    entry_rows rows(100);
+    for (std::size_t k = 1; k < rows.size(); k += 3)
+      rows[k] = {{static_cast<std::int32_t>(k % 9) + 1, 0.5}};
+    rows[i] = {{2, 0.1}, {1, 0.2}};
+    expect_sorted_one_by_one(9, rows);
+    rows[i] = {{2, 0.1}, {2, 0.2}};
+    expect_sorted_one_by_one(9, rows);
+  }
+}
+
 TEST(Sort, StartsAtPositionOneWhateverTheFirstRowStart) {
   csr_matrix mat = real_matrix(3, {{{1, 9}, {1, 1}, {3, 2}}, {{2, 3}}});
   mat.ia(1) = 2;  // the first entry belongs to no row
