@@ -25,7 +25,7 @@ void csr_matrix_multiply(const csr_matrix& m1, const csr_matrix& m2, csr_matrix&
 
   csr_matrix_initial(n, m3, m2.m, type);
   products::form_product(
-      m3, nc, most_product_entries(m1, m2, nc), "csr_matrix_multiply",
+      m3, nc, most_product_entries(m1, m2, nc, diagonal::kept), "csr_matrix_multiply",
       type == matrix_structure_only ? "matmul_noval" : "matmul_normal",
       [&] { return product_size(n, nc, m1.ia, m1.ja, m2.ia, m2.ja); },
       [&](std::int32_t* mark) {
@@ -45,7 +45,7 @@ void csr_matrix_multiply_graph(const csr_matrix& g1, const csr_matrix& g2, csr_m
 
   csr_matrix_initial(n, g3, nc, matrix_real);
   products::form_product(
-      g3, nc, most_product_entries(g1, g2, nc), "csr_matrix_multiply_graph",
+      g3, nc, most_product_entries(g1, g2, nc, diagonal::skipped), "csr_matrix_multiply_graph",
       wgt ? "matmul_wgraph" : "matmul_graph",
       [&] { return product_size_graph(n, nc, g1.ia, g1.ja, g2.ia, g2.ja); },
       [&](std::int32_t* mark) {

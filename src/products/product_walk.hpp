@@ -24,33 +24,37 @@ struct operands {
   array_view<const std::int32_t> ib, jb;
 };
 
-// The number of entries of the product. The marker holds the last row in which a column was
-// counted, so it need not be cleared between rows. `routine` is blamed when there is no room for
-// it.
+// The number of columns that row i of the product reaches. The marker holds the last row in which a
+// column was counted, 0 at first, so it need not be cleared between rows.
 template <diagonal Diagonal>
-std::int64_t count_entries(const operands& of, std::string_view routine) {
+[[gnu::always_inline]] inline std::int64_t count_row(const operands& of, std::int64_t i,
+                                                     std::int32_t* const mark) {
   const std::int32_t* const left_starts = of.ia.data();
   const std::int32_t* const left_columns = of.ja.data();
   const std::int32_t* const right_starts = of.ib.data();
   const std::int32_t* const right_columns = of.jb.data();
-  scratch<std::int32_t> marker(of.ncol, contents::zero, routine);
-  std::int32_t* const mark = marker.data();
-
   std::int64_t count = 0;
-  for (std::int64_t i = 1; i <= of.n; ++i) {
-    const std::int32_t left_end = left_starts[i];
-    for (std::int32_t k = left_starts[i - 1]; k < left_end; ++k) {
-      const std::int32_t j = left_columns[k - 1];
-      const std::int32_t right_end = right_starts[j];
-      for (std::int32_t l = right_starts[j - 1]; l < right_end; ++l) {
-        const std::int32_t column = right_columns[l - 1];
-        if (Diagonal == diagonal::skipped && column == i) continue;
-        if (mark[column - 1] == i) continue;
-        mark[column - 1] = static_cast<std::int32_t>(i);
-        ++count;
-      }
+  const std::int32_t left_end = left_starts[i];
+  for (std::int32_t k = left_starts[i - 1]; k < left_end; ++k) {
+    const std::int32_t j = left_columns[k - 1];
+    const std::int32_t right_end = right_starts[j];
+    for (std::int32_t l = right_starts[j - 1]; l < right_end; ++l) {
+      const std::int32_t column = right_columns[l - 1];
+      if (Diagonal == diagonal::skipped && column == i) continue;
+      if (mark[column - 1] == i) continue;
+      mark[column - 1] = static_cast<std::int32_t>(i);
+      ++count;
     }
   }
+  return count;
+}
+
+// The number of entries of the product. `routine` is blamed when there is no room for a marker.
+template <diagonal Diagonal>
+std::int64_t count_entries(const operands& of, std::string_view routine) {
+  scratch<std::int32_t> marker(of.ncol, contents::zero, routine);
+  std::int64_t count = 0;
+  for (std::int64_t i = 1; i <= of.n; ++i) count += count_row<Diagonal>(of, i, marker.data());
   return count;
 }
 

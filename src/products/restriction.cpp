@@ -53,7 +53,7 @@ void restriction(const csr_matrix& m1, const csr_matrix& p, const csr_matrix& r,
   csr_matrix_multiply(m1, p, mp);
   csr_matrix_initial(r.n, mc, mp.m, matrix_real);
   products::form_product(
-      mc, mp.m, most_product_entries(r, mp, mp.m), form.routine, form.kernel,
+      mc, mp.m, most_product_entries(r, mp, mp.m, diagonal::kept), form.routine, form.kernel,
       [&] { return form.size(r.n, mp.m, r.ia, r.ja, mp.ia, mp.ja); },
       [&](std::int32_t* mark) { form.fill(r, mp, mc, mark); });
 }

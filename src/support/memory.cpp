@@ -146,6 +146,13 @@ void* resize_block(void* block, std::size_t bytes) noexcept {
   return with_huge_pages(std::realloc(block, at_least_one(bytes)), bytes);
 }
 
+bool maps_pages_for(std::size_t bytes) noexcept {
+  void* const block = std::malloc(bytes);
+  const bool mapped = is_mapped(block);
+  std::free(block);
+  return mapped;
+}
+
 void give_back(void* block) noexcept { std::free(block); }
 
 void set_refusal(refusal refuse) noexcept { current_refusal.store(refuse); }

@@ -21,6 +21,9 @@ namespace csr_matrix_mod::detail {
 // byte.
 [[nodiscard]] void* resize_block(void* block, std::size_t bytes) noexcept;
 
+// Would the system map pages for a block of so many bytes, instead of serving it from the heap?
+[[nodiscard]] bool maps_pages_for(std::size_t bytes) noexcept;
+
 struct storage_access {
   // Storage of exactly `length` elements, the leading ones kept. In place when no other reference
   // looks on; other references keep what they have. False, and all as it was, if there is none.

@@ -3,6 +3,7 @@
 // any machine, however busy. The numbers are measured; whoever saves an allocation lowers them.
 #include "counted.hpp"
 
+#include "../../src/support/memory.hpp"
 #include "../support/files.hpp"
 #include "../support/matrices.hpp"
 
@@ -297,12 +298,17 @@ std::int64_t pages_met() {
   return used.ru_minflt;
 }
 
+// Three diagonals, but for the first and the last row, which are empty.
+tests::entry_rows three_diagonals(std::int32_t order) {
+  tests::entry_rows diagonals(static_cast<std::size_t>(order));
+  for (std::int32_t i = 2; i < order; ++i)
+    diagonals[static_cast<std::size_t>(i - 1)] = {{i - 1, -1.0}, {i, 2.0}, {i + 1, -1.0}};
+  return diagonals;
+}
+
 // The square of 20 000 rows of 3 entries stands on 290 pages, for which there are others at first.
 TEST(FreshPages, AreMetByTheFirstOfSomeProductsAlone) {
-  tests::entry_rows diagonals(20000);
-  for (std::int32_t i = 2; i < 20000; ++i)
-    diagonals[static_cast<std::size_t>(i - 1)] = {{i - 1, -1.0}, {i, 2.0}, {i + 1, -1.0}};
-  const csr_matrix a = tests::real_matrix(20000, diagonals);
+  const csr_matrix a = tests::real_matrix(20000, three_diagonals(20000));
   const auto multiply = [&a] {
     csr_matrix square;
     csr_matrix_multiply(a, a, square);
@@ -312,6 +318,21 @@ TEST(FreshPages, AreMetByTheFirstOfSomeProductsAlone) {
   const std::int64_t before = pages_met();
   for (int again = 0; again < 10; ++again) multiply();
   EXPECT_LT(pages_met() - before, 290);
+}
+
+// Of squares with 22 464 paths the entries are counted where pages would be mapped for as many.
+TEST(FreshPages, AreSparedByWhatFitsTheHeap) {
+  constexpr std::int64_t order = 2500;
+  ASSERT_EQ(::mallopt(M_MMAP_THRESHOLD, 128 << 10), 1);
+  if (!detail::maps_pages_for(values(9 * order))) GTEST_SKIP() << "the heap has room";
+  const csr_matrix a = tests::real_matrix(order, three_diagonals(order));
+  const auto expected = [](std::int64_t entries) {
+    return requests{9, matrix_bytes(order, entries) + 2 * (integers(order) + row_bits(order)) +
+                           patterns_room + sums_room};
+  };
+  csr_matrix square;
+  EXPECT_EQ(counted([&] { csr_matrix_multiply(a, a, square); }), expected(5 * order - 12));
+  EXPECT_EQ(counted([&] { csr_matrix_multiply_graph(a, a, square); }), expected(4 * order - 10));
 }
 
 // Where the heap keeps what comes back, coarse operators that are formed again find room in it:
