@@ -25,10 +25,10 @@ namespace csr_matrix_mod {
                                               array_view<const std::int32_t> ib,
                                               array_view<const std::int32_t> jb);
 
-// A bound for the size of a product with or without its diagonal: no row has more entries than paths
-// or columns. Where right rows are about as long as each other it takes the longest for all, and
-// looks at no left entry: a tenth of the time of a product of stencils. For some small products of
-// stencils it is the size itself.
+// A bound for the size of a product with or without its diagonal: no row has more entries than
+// paths or columns. Where right rows are about as long as each other it takes the longest for all,
+// and looks at no left entry: a tenth of the time of a product of stencils. For some small products
+// of stencils it is the size itself.
 [[nodiscard]] std::int64_t most_product_entries(const csr_matrix& m1, const csr_matrix& m2,
                                                 std::int32_t ncol, products::diagonal which);
 
