@@ -16,9 +16,10 @@ namespace {
 // Merges within each row and closes the gaps. mark(j) is the position at which column j was kept
 // last; one before the row's first is one of an earlier row, so nothing need be cleared: 1.2 times
 // as fast as unmarking the columns of each row. Whether there are values is asked once and not at
-// each entry: 1.1 to 1.2 times as fast as g++ builds it.
+// each entry: 1.1 to 1.2 times as fast as g++ builds it. A function of its own that begins with a
+// line of the cache: as it happened to stand inside its caller, it took 1.15 times as long.
 template <bool HasValues>
-void merge_rows(csr_matrix& mat, std::int32_t* mark) {
+[[gnu::noinline, gnu::aligned(64)]] void merge_rows(csr_matrix& mat, std::int32_t* mark) {
   std::int32_t* const starts = mat.ia.data();
   std::int32_t* const columns = mat.ja.data();
   [[maybe_unused]] double* const values = mat.a.data();
@@ -46,7 +47,7 @@ void merge_rows(csr_matrix& mat, std::int32_t* mark) {
 
 void merge_repeated(csr_matrix& mat) {
   scratch<std::int32_t> mark;
-  if (!mark.allocate(mat.m, contents::zero)) {
+  if (!mark.allocate(mat.m, contents::filled_with_zero)) {
     print_free("problem allocating in matrix_clean");
     stop(blank_message);
   }

@@ -145,13 +145,13 @@ class kept_classes {
  public:
   explicit kept_classes(column_partition& partition) {
     const scratch<column_partition::column> columns = partition.take_columns();
-    scratch<std::int32_t> number(partition.created(), contents::zero, routine);
+    scratch<std::int32_t> number(partition.created(), contents::filled_with_zero, routine);
     for (const auto& of : columns) number(of.cl) = of.degree;
     for (std::int32_t& degree : number) degree = degree > 1 ? ++count_ : dropped;
     class_of_ = scratch<std::int32_t>(columns.length(), contents::undefined, routine);
     std::transform(columns.begin(), columns.end(), class_of_.begin(),
                    [&](const auto& of) { return number(of.cl); });
-    stamp_ = scratch<std::int32_t>(count_, contents::zero, routine);
+    stamp_ = scratch<std::int32_t>(count_, contents::filled_with_zero, routine);
   }
 
   [[nodiscard]] std::int32_t count() const { return count_; }
@@ -213,7 +213,7 @@ void csr_matrix_condense(csr_matrix& mat, array_view<std::int32_t> col_wgt) {
 
   // All temporaries are had before the matrix changes.
   kept_classes kept(partition);
-  scratch<std::int32_t> weights(kept.count(), contents::zero, routine);
+  scratch<std::int32_t> weights(kept.count(), contents::filled_with_zero, routine);
   kept.add_weights(col_wgt.data(), weights.data());
   const std::int32_t next_free = kept.rewrite_rows(mat, ahead);
   mat.m = kept.count();

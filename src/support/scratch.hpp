@@ -13,7 +13,9 @@
 
 namespace csr_matrix_mod {
 
-enum class contents { undefined, zero };
+// Zeros that the system hands out, which cost nothing until they are touched, or storage that is
+// filled with them: where all of it is used that is faster, for it may stand on large pages.
+enum class contents { undefined, zero, filled_with_zero };
 
 // 1-based, of `length` elements (0 when negative).
 template <class T>
@@ -32,6 +34,7 @@ class scratch {
     const std::size_t bytes = static_cast<std::size_t>(length_) * sizeof(T);
     storage_.reset(static_cast<T*>(initial == contents::zero ? detail::obtain_zeroed(bytes)
                                                              : detail::obtain(bytes)));
+    if (initial == contents::filled_with_zero) std::fill(begin(), end(), T{});
     return storage_ != nullptr;
   }
 

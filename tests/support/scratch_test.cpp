@@ -25,12 +25,13 @@ TEST(Scratch, HoldsZerosWhenAskedTo) {
 // been written to.
 TEST(Scratch, HoldsZerosWhateverItsSizeAndWhateverWasThereBefore) {
   constexpr std::int64_t mebibyte = 1 << 20;
-  for (const std::int64_t length : {mebibyte, 4 * mebibyte - 1, 4 * mebibyte, 33 * mebibyte})
-    for (int again = 0; again < 3; ++again) {
-      scratch<std::uint8_t> marker(length, contents::zero, "routine");
-      ASSERT_EQ(std::count(marker.begin(), marker.end(), 0), length);
-      std::fill(marker.begin(), marker.end(), std::uint8_t{255});
-    }
+  for (const contents initial : {contents::zero, contents::filled_with_zero})
+    for (const std::int64_t length : {mebibyte, 4 * mebibyte - 1, 4 * mebibyte, 33 * mebibyte})
+      for (int again = 0; again < 3; ++again) {
+        scratch<std::uint8_t> marker(length, initial, "routine");
+        ASSERT_EQ(std::count(marker.begin(), marker.end(), 0), length);
+        std::fill(marker.begin(), marker.end(), std::uint8_t{255});
+      }
 }
 
 TEST(Scratch, CountsFrom1) {
@@ -48,7 +49,7 @@ TEST(Scratch, HasLength0UntilItIsAskedFor) {
 }
 
 TEST(Scratch, OfNegativeLengthHasLength0) {
-  for (const contents initial : {contents::undefined, contents::zero}) {
+  for (const contents initial : {contents::undefined, contents::zero, contents::filled_with_zero}) {
     scratch<double> work(-4, initial, "routine");
     EXPECT_EQ(work.length(), 0);
     EXPECT_EQ(work.begin(), work.end());
@@ -56,7 +57,7 @@ TEST(Scratch, OfNegativeLengthHasLength0) {
 }
 
 TEST(Scratch, StopsWithTheNameOfItsRoutineWhenThereIsNoStorage) {
-  for (const contents initial : {contents::undefined, contents::zero}) {
+  for (const contents initial : {contents::undefined, contents::zero, contents::filled_with_zero}) {
     const tests::refuse_allocation refused(0);
     const auto seen = tests::observe([&] { scratch<double> work(3, initial, "some_routine"); });
     EXPECT_EQ(seen.stop, "allocation error in some_routine");
