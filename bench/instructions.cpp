@@ -69,6 +69,12 @@ const std::map<std::string, std::function<void()>> cases = {
        csr_matrix c;
        csr_matrix_sum(a, b, c);
      }},
+    {"csr_matrix_sum shuffled",
+     [] {
+       const csr_matrix a = record(bench::shuffled_rows(bench::five_point(rows)));
+       csr_matrix c;
+       csr_matrix_sum(a, a, c);
+     }},
     {"csr_matrix_symmetrize stencil",
      [] {
        csr_matrix a = record(bench::five_point(rows));
@@ -94,6 +100,14 @@ const std::map<std::string, std::function<void()>> cases = {
      [] {
        csr_matrix a = record(bench::repeated_entries(bench::five_point(rows)));
        csr_matrix_clean(a);
+     }},
+    {"csr_matrix_condense random",
+     [] {
+       bench::matrix pattern = bench::uniform_random(rows);
+       pattern.values.clear();
+       csr_matrix a = record(pattern);
+       std::vector<std::int32_t> weights(static_cast<std::size_t>(a.m), 1);
+       csr_matrix_condense(a, weights);
      }},
     {"coo_to_csr_format ordered", [] { lists(true); }},
     {"coo_to_csr_format reversed", [] { lists(false); }},
