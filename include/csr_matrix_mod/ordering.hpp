@@ -59,7 +59,7 @@ void csr_matrix_movediag(csr_matrix& mat);
 /// wrap at 32 bits), further elements are kept. A repeated column counts as often as it stands, so
 /// that it may pass for, or be merged with, columns that differ: clean such a matrix first.
 /// Capacity is one more than the number of entries; the spare slot keeps what stood there.
-/// Cost: O(n + m + entries); temporaries of 6m integers. Columns repeated within a row can make
+/// Cost: O(n + m + entries); temporaries of 5m integers. Columns repeated within a row can make
 /// that 11m, and 9 more for each repeated entry.
 /// Stops: "try condensing matrix with values!"; " size of col_wgt too small"; "allocation error in
 /// csr_matrix_condense"; each with nothing changed; as `csr_matrix_reallocate`, with `col_wgt`
