@@ -283,6 +283,24 @@ TEST(RowRepeats, AreWorthwhileWhereMoreThanEightFollowEachOther) {
   }
 }
 
+// Of so few paths that the entries may be counted beforehand, with more columns than rows and with
+// fewer.
+TEST(RepeatedRows, AreCountedInSmallProductsThatAreNotSquare) {
+  constexpr std::int32_t n = 2500;
+  for (const std::int32_t m : {n + 700, n / 2}) {
+    entry_rows left(n);
+    entry_rows right(n);
+    for (std::int32_t i = 1; i <= n; ++i) {
+      const auto row = static_cast<std::size_t>(i - 1);
+      for (std::int32_t j = std::max(1, i - 1); j <= std::min(n, i + 1); ++j) {
+        left[row].push_back({j, 0.1 * i});
+        if (j + m - n > 0) right[row].push_back({j + m - n, 0.3 * j});
+      }
+    }
+    expect_product_of_the_passes(real_matrix(n, left), real_matrix(m, right));
+  }
+}
+
 // No column follows the largest.
 TEST(RepeatedRows, AreNotFoundInTheLargestColumn) {
   constexpr std::int32_t largest = std::numeric_limits<std::int32_t>::max();
