@@ -87,8 +87,8 @@ class column_partition {
   // How many classes there have been.
   [[nodiscard]] std::int32_t created() const { return created_; }
 
-  // The columns, of which the classes' own storage is no longer needed.
-  [[nodiscard]] scratch<column> take_columns() {
+  // What is left at the end: the columns. The storage of the classes is given back.
+  [[nodiscard]] scratch<column> take_columns() && {
     classes_ = {};
     return std::move(columns_);
   }
@@ -143,9 +143,10 @@ class column_partition {
 // takes room in the cache, rows are rewritten up to 1.5 times as fast.
 class kept_classes {
  public:
-  explicit kept_classes(column_partition& partition) {
-    const scratch<column_partition::column> columns = partition.take_columns();
-    scratch<std::int32_t> number(partition.created(), contents::filled_with_zero, routine);
+  explicit kept_classes(column_partition&& partition) {
+    const std::int32_t created = partition.created();
+    const scratch<column_partition::column> columns = std::move(partition).take_columns();
+    scratch<std::int32_t> number(created, contents::filled_with_zero, routine);
     for (const auto& of : columns) number(of.cl) = of.degree;
     for (std::int32_t& degree : number) degree = degree > 1 ? ++count_ : dropped;
     class_of_ = scratch<std::int32_t>(columns.length(), contents::undefined, routine);
@@ -212,7 +213,7 @@ void csr_matrix_condense(csr_matrix& mat, array_view<std::int32_t> col_wgt) {
   partition.refine(mat, ahead);
 
   // All temporaries are had before the matrix changes.
-  kept_classes kept(partition);
+  kept_classes kept(std::move(partition));
   scratch<std::int32_t> weights(kept.count(), contents::filled_with_zero, routine);
   kept.add_weights(col_wgt.data(), weights.data());
   const std::int32_t next_free = kept.rewrite_rows(mat, ahead);

@@ -202,7 +202,7 @@ TEST(Allocations, OfCleaningWhatIsSortedAreNone) {
   EXPECT_EQ(counted([&] { csr_matrix_clean(a); }), (requests{0, 0}));
 }
 
-TEST(Allocations, OfCondensingAreOnesOfColumnsAndClassesAndTheCut) {
+TEST(Allocations, OfCondensingAreThoseOfColumnsAndClassesAndTheCut) {
   csr_matrix g = stencil_pattern();
   std::vector<std::int32_t> weights(n, 1);
   EXPECT_EQ(counted([&] { csr_matrix_condense(g, weights); }),
