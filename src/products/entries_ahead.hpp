@@ -42,9 +42,9 @@ class entries_ahead {
 
   // Visits the positions of row i, from `first` on up to, but without, `end`. Entries are asked for
   // eight at a time.
-  template <class Visit>
+  template <class Visit, class VisitTwo>
   [[gnu::always_inline]] inline void visit(std::int64_t /*i*/, std::int32_t first, std::int32_t end,
-                                           const Visit& visit) const {
+                                           const Visit& visit, const VisitTwo& /*two*/) const {
     std::int32_t left = end - first;
     ask(first);
     if (left <= 0) return;
@@ -105,9 +105,9 @@ class few_entries_ahead : public entries_ahead<Values> {
                         : entries_a_row(mat) <= 2 ? 7
                                                   : 3) {}
 
-  template <class Visit>
+  template <class Visit, class VisitTwo>
   [[gnu::always_inline]] inline void visit(std::int64_t i, std::int32_t first, std::int32_t end,
-                                           const Visit& visit) const {
+                                           const Visit& visit, const VisitTwo& /*two*/) const {
     if ((i & rows_that_wait_) == 0) this->ask(first);
     for (std::int32_t k = first; k < end; ++k) visit(k);
   }
@@ -119,22 +119,11 @@ class few_entries_ahead : public entries_ahead<Values> {
 // Rows of few entries in the cache, of which nothing need be asked for: up to 1.4 times as fast
 // as by a walk that could ask, as clang builds it up to 2 times.
 struct few_entries_in_turn {
-  template <class Visit>
+  template <class Visit, class VisitTwo>
   [[gnu::always_inline]] inline void visit(std::int64_t /*i*/, std::int32_t first, std::int32_t end,
-                                           const Visit& visit) const {
+                                           const Visit& visit, const VisitTwo& /*two*/) const {
     for (std::int32_t k = first; k < end; ++k) visit(k);
   }
 };
-
-// Calls back with the walk that suits the matrix.
-template <class Values, class Call>
-void walk_entries(const csr_matrix& mat, Values values, const Call& call) {
-  if (mat.n <= 0 || entries_a_row(mat) > 3)
-    call(entries_ahead(mat, values));
-  else if (entries_fit_the_cache(mat.ja.length()))
-    call(few_entries_in_turn{});
-  else
-    call(few_entries_ahead(mat, values));
-}
 
 }  // namespace csr_matrix_mod

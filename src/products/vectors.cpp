@@ -2,33 +2,59 @@
 // Matrix times vector, plain and transposed; with the values, or with the pattern where every entry
 // weighs 1.
 #include "../support/stop.hpp"
-#include "entries_ahead.hpp"
+#include "../support/vector_registers.hpp"
+#include "uneven_rows.hpp"
 
 #include <csr_matrix_mod/products.hpp>
 
 #include <algorithm>
+#include <array>
+#include <bit>
 #include <cstddef>
+#include <cstdint>
+#include <cstring>
 
 namespace csr_matrix_mod {
 
 namespace {
 
-// Adds entry k times the element x.
+// A term for each entry: entry k times the element x. Of two entries that follow each other those
+// that are not kept give +0, which changes no sum, as none is -0: it begins with +0.
 struct weighted {
+  using pair = detail::vector_of<16>::type;
+
   const double* values;
 
-  [[nodiscard]] double operator()(double sum, std::int32_t k, double x) const {
-    return values[k - 1] * x + sum;
+  [[nodiscard]] double term(std::int32_t k, double x) const { return values[k - 1] * x; }
+
+  [[nodiscard]] pair terms(std::int32_t k, double x0, double x1, const std::int64_t* kept) const {
+    typedef std::int64_t mask __attribute__((vector_size(16)));  // NOLINT(modernize-use-using)
+    pair two;
+    mask which;
+    std::memcpy(&two, values + (k - 1), sizeof(two));
+    std::memcpy(&which, kept, sizeof(which));
+    return std::bit_cast<pair>(std::bit_cast<mask>(two * pair{x0, x1}) & which);
   }
+
+  [[nodiscard]] static double plus(double term, double sum) { return term + sum; }
 };
 
-// Adds the element x; the sum wraps at 32 bits.
+// The element x; sums wrap at 32 bits.
 struct unweighted {
+  using pair = std::array<std::int32_t, 2>;
+
   static constexpr std::nullptr_t values = nullptr;
 
-  [[nodiscard]] std::int32_t operator()(std::int32_t sum, std::int32_t, std::int32_t x) const {
-    return static_cast<std::int32_t>(static_cast<std::uint32_t>(sum) +
-                                     static_cast<std::uint32_t>(x));
+  [[nodiscard]] static std::int32_t term(std::int32_t, std::int32_t x) { return x; }
+
+  [[nodiscard]] static pair terms(std::int32_t, std::int32_t x0, std::int32_t x1,
+                                  const std::int64_t* kept) {
+    return {x0 & static_cast<std::int32_t>(kept[0]), x1 & static_cast<std::int32_t>(kept[1])};
+  }
+
+  [[nodiscard]] static std::int32_t plus(std::int32_t term, std::int32_t sum) {
+    return static_cast<std::int32_t>(static_cast<std::uint32_t>(term) +
+                                     static_cast<std::uint32_t>(sum));
   }
 };
 
@@ -44,7 +70,6 @@ void require_room(std::string_view size, std::int32_t needed, std::int64_t lengt
 // a row ends the next one starts, which is read once: in the cache 1.1 to 1.25 times as fast.
 template <class Row>
 void for_each_row(const csr_matrix& mat, const Row& row) {
-  if (mat.n <= 0) return;
   const std::int32_t* const starts = mat.ia.data();
   std::int32_t first = starts[0];
   for (std::int64_t i = 1; i <= mat.n; ++i) {
@@ -54,36 +79,69 @@ void for_each_row(const csr_matrix& mat, const Row& row) {
   }
 }
 
-template <class T, class Add>
-void multiply(const csr_matrix& mat, array_view<const T> x, array_view<T> y, const Add add) {
-  walk_entries(mat, add.values, [&](const auto entries) {
+// Calls back with the walk over the entries that suits the matrix.
+template <class Values, class Call>
+void walk_entries(const csr_matrix& mat, Values values, const Call& call) {
+  if (mat.n <= 0) return;
+  const std::int64_t a_row = entries_a_row(mat);
+  if (a_row <= 4 && ends_surprise(mat, 4))
+    call(entries_in_steps<4, Values>(mat, values));
+  else if (a_row > 4 && ends_surprise(mat, 8))
+    call(entries_in_steps<8, Values>(mat, values));
+  else if (a_row > 3)
+    call(entries_ahead(mat, values));
+  else if (entries_fit_the_cache(mat.ja.length()))
+    call(few_entries_in_turn{});
+  else
+    call(few_entries_ahead(mat, values));
+}
+
+template <class T, class Weight>
+void multiply(const csr_matrix& mat, array_view<const T> x, array_view<T> y, const Weight weight) {
+  walk_entries(mat, weight.values, [&](const auto entries) {
     const std::int32_t* const columns = mat.ja.data();
     const T* const from = x.data();
     T* const to = y.data();
     for_each_row(mat, [&](std::int64_t i, std::int32_t first, std::int32_t end) {
       T sum = 0;
-      entries.visit(i, first, end,
-                    [&](std::int32_t k) { sum = add(sum, k, from[columns[k - 1] - 1]); });
+      entries.visit(
+          i, first, end,
+          [&](std::int32_t k) {
+            sum = Weight::plus(weight.term(k, from[columns[k - 1] - 1]), sum);
+          },
+          [&](std::int32_t k, const std::int64_t* kept) {
+            const auto terms =
+                weight.terms(k, from[columns[k - 1] - 1], from[columns[k] - 1], kept);
+            sum = Weight::plus(terms[0], sum);
+            sum = Weight::plus(terms[1], sum);
+          });
       to[i - 1] = sum;
     });
   });
 }
 
 // All of `y` is cleared, not only the part that the matrix reaches.
-template <class T, class Add>
+template <class T, class Weight>
 void multiply_transposed(const csr_matrix& mat, array_view<const T> x, array_view<T> y,
-                         const Add add) {
+                         const Weight weight) {
   std::fill(y.begin(), y.end(), T{0});
-  walk_entries(mat, add.values, [&](const auto entries) {
+  walk_entries(mat, weight.values, [&](const auto entries) {
     const std::int32_t* const columns = mat.ja.data();
     const T* const from = x.data();
     T* const to = y.data();
     for_each_row(mat, [&](std::int64_t i, std::int32_t first, std::int32_t end) {
       const T xi = from[i - 1];
-      entries.visit(i, first, end, [&](std::int32_t k) {
+      const auto add = [&](std::int32_t k, T term) {
         T& sum = to[columns[k - 1] - 1];
-        sum = add(sum, k, xi);
-      });
+        sum = Weight::plus(term, sum);
+      };
+      entries.visit(
+          i, first, end, [&](std::int32_t k) { add(k, weight.term(k, xi)); },
+          [&](std::int32_t k, const std::int64_t* kept) {
+            const auto terms = weight.terms(k, xi, xi, kept);
+            add(k, terms[0]);
+            add(k + 1, terms[1]);
+          });
     });
   });
 }

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "../../src/products/uneven_rows.hpp"
 #include "../support/dense.hpp"
 #include "products.hpp"
 
@@ -221,16 +222,23 @@ RC_GTEST_PROP(IntegerVectors, AgreeWithTheDenseSums, ()) {
 }
 
 // Rows of as many entries as `length` says, with columns all over and any values, times vectors of
-// any elements.
+// any elements. Where `odd` is given, every so many values are infinite, and the one behind -0.0.
 void expect_dense_sums(std::int32_t n, const std::function<std::int64_t(std::int32_t i)>& length,
-                       std::int32_t spare = 0) {
+                       std::int32_t spare = 0, std::int64_t odd = 0) {
   entry_rows rows(static_cast<std::size_t>(n));
   std::int64_t walk = 1;
   const auto any = [&walk] { return walk = walk * 48271 % 2147483647; };
+  std::int64_t nnz = 0;
+  const auto any_entry_value = [&] {
+    ++nnz;
+    if (odd > 0 && nnz % odd == 0) return std::numeric_limits<double>::infinity();
+    if (odd > 0 && nnz % odd == 1) return -0.0;
+    return static_cast<double>(any()) * 0.1;
+  };
   for (std::int32_t i = 0; i < n; ++i)
     for (std::int64_t k = length(i); k > 0; --k)
       rows[static_cast<std::size_t>(i)].push_back(
-          {static_cast<std::int32_t>(any() % n) + 1, static_cast<double>(any()) * 0.1});
+          {static_cast<std::int32_t>(any() % n) + 1, any_entry_value()});
   doubles x;
   ints integers;
   for (std::int32_t i = 0; i < n; ++i) {
@@ -268,6 +276,49 @@ TEST(AllVectors, OfShortRowsAgreeWithTheDenseSumsBitForBit) {
     for (const std::int32_t n : {1, 50, 500})
       expect_dense_sums(
           n, [most](std::int32_t i) { return i % 50 == 7 ? 0 : most; }, spare);
+}
+
+// A number below `kinds` that the one before does not tell.
+std::int32_t any_of(std::int32_t kinds, std::int32_t i) {
+  return static_cast<std::int32_t>((static_cast<std::uint32_t>(i) * 2654435761U >> 12U) %
+                                   static_cast<std::uint32_t>(kinds));
+}
+
+// Rows as those of prolongations, triangles and tetrahedra, so many that their ends surprise. An
+// infinite value behind the end of a row must not reach it.
+TEST(AllVectors, OfUnevenRowsAgreeWithTheDenseSumsBitForBit) {
+  constexpr std::int32_t n = 1 << 14;
+  for (const auto& [least, most] : {std::pair{0, 3}, {5, 9}, {9, 19}})
+    for (const std::int32_t last : {0, 1, 30})
+      expect_dense_sums(
+          n,
+          [&, few = least, kinds = most - least + 1](std::int32_t i) {
+            return i == n - 1 ? last : few + any_of(kinds, i);
+          },
+          0, 5003);
+}
+
+csr_matrix with_lengths(std::int32_t n, const std::function<std::int32_t(std::int32_t i)>& length) {
+  column_rows rows(static_cast<std::size_t>(n));
+  for (std::int32_t i = 0; i < n; ++i)
+    rows[static_cast<std::size_t>(i)].assign(static_cast<std::size_t>(length(i)), 1);
+  return pattern(1, rows);
+}
+
+TEST(EndsOfRows, SurpriseWhereLengthsDifferAndAreWithinOneStep) {
+  constexpr std::int32_t n = 1 << 14;
+  const auto surprise = [](std::int32_t rows, std::int32_t step, const auto& length) {
+    return ends_surprise(with_lengths(rows, length), step);
+  };
+  const auto mixed = [](std::int32_t least, std::int32_t kinds) {
+    return [=](std::int32_t i) { return least + any_of(kinds, i); };
+  };
+  EXPECT_TRUE(surprise(n, 8, mixed(5, 5)));
+  EXPECT_TRUE(surprise(n, 4, mixed(0, 4)));
+  EXPECT_FALSE(surprise(n - 1, 8, mixed(5, 5)));
+  EXPECT_FALSE(surprise(n, 8, mixed(7, 1)));
+  EXPECT_FALSE(surprise(n, 4, [](std::int32_t i) { return i % 10 == 0 ? 1 : 0; }));
+  EXPECT_FALSE(surprise(n, 8, mixed(20, 60)));
 }
 
 }  // namespace

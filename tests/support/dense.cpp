@@ -90,13 +90,10 @@ entry_rows graph_product(const column_rows& left, const column_rows& right, std:
 }
 
 entry_rows transpose(const entry_rows& rows, std::int32_t m) {
-  entry_rows result;
-  for (std::int32_t j = 1; j <= m; ++j) {
-    result.emplace_back();
-    for (std::int32_t i = 1; i <= count(rows); ++i)
-      for (const entry& e : row(rows, i))
-        if (e.column == j) result.back().push_back({i, e.value});
-  }
+  entry_rows result(static_cast<std::size_t>(m));
+  for (std::int32_t i = 1; i <= count(rows); ++i)
+    for (const entry& e : row(rows, i))
+      result.at(static_cast<std::size_t>(e.column - 1)).push_back({i, e.value});
   return result;
 }
 
