@@ -50,7 +50,7 @@ void fill_product(const csr_matrix& m1, const csr_matrix& m2, std::int32_t ncol,
                                      rows_together(of, to, path, std::move(alike)));
   }
   const auto walk = [&](const auto right_rows, const auto... foresight) {
-    if (left_columns_jump(of))
+    if (left_columns_jump(of, m2.n))
       store_entries<Diagonal>(of, to, path, mark, right_rows,
                               rows_ahead<Path, decltype(right_rows)>(of, path, right_rows),
                               foresight...);

@@ -11,13 +11,15 @@
 
 namespace csr_matrix_mod::products {
 
-// Do the columns of the left operand jump? Right rows that are met for the first time one after the
-// other come by themselves, so they do where most columns are not even next to one just before. Few
-// entries are not looked at.
-[[nodiscard]] inline bool left_columns_jump(const operands& of) noexcept {
+// Do the columns of the left operand jump, to right rows of which the cache does not hold all?
+// Right rows that are met for the first time one after the other come by themselves, so they do
+// where most columns are not even next to one just before. Few entries are not looked at.
+[[nodiscard]] inline bool left_columns_jump(const operands& of, std::int32_t right_rows) noexcept {
   constexpr std::int32_t few = 1 << 15;
   constexpr std::int32_t next = 2;
-  return of.n > 0 && scatters(of.ja.data(), of.ia.data()[of.n] - 1, few, next);
+  constexpr std::int32_t right_entries_in_cache = 3 << 15;
+  return of.n > 0 && right_rows > 0 && of.ib.data()[right_rows] > right_entries_in_cache &&
+         scatters(of.ja.data(), of.ia.data()[of.n] - 1, few, next);
 }
 
 // Where a right row starts is asked for 16 entries before its turn, the row itself 12 before. A A
@@ -40,8 +42,8 @@ class rows_ahead : public walk_alone {
     right_rows_.ask_for(left_columns_[k + starts_ahead - 1]);
     const std::int32_t j = left_columns_[k + entries_ahead - 1];
     const std::int32_t first = right_rows_.first(j);
-    const std::int32_t length = std::min(right_rows_.end(j) - first, longest);
-    if (length < 1) return;
+    // As if of one entry at least: nobody foresees which rows are empty.
+    const std::int32_t length = std::clamp(right_rows_.end(j) - first, 1, longest);
     prefetch_row(right_columns_ + (first - 1), length);
     path_.prefetch_right(first, length);
   }

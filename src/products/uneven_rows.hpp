@@ -33,9 +33,9 @@ namespace csr_matrix_mod {
   return 4 * spared >= samples;
 }
 
-// As `entries_ahead`, but two entries are visited at a time, with -1 for each that is of the row and
-// 0 for one behind it. Rows near the end of the matrix, where nothing is behind them, are visited
-// one by one.
+// As `entries_ahead`, but two entries are visited at a time, with -1 for each that is of the row
+// and 0 for one behind it. Rows near the end of the matrix, where nothing is behind them, are
+// visited one by one.
 template <std::int32_t step, class Values>
 class entries_in_steps : public entries_ahead<Values> {
  public:

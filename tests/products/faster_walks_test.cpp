@@ -78,19 +78,22 @@ class FasterWalk : public testing::TestWithParam<pair_of_operands> {
   csr_matrix right = GetParam().right();
 };
 
-// Columns that jump have enough entries for the look to be worth it, in rows that are not the same
-// number; few have not.
+// Columns that jump have enough entries for the look to be worth it, and lead to more than the cache
+// holds, in rows that are not the same number; few have not.
 INSTANTIATE_TEST_SUITE_P(
     Of, FasterWalk,
     testing::Values(
-        pair_of_operands{"ManyColumnsThatJump", [] { return random_matrix(9000, 7000, 1); },
+        pair_of_operands{"ManyColumnsThatJump", [] { return random_matrix(9000, 14000, 1); },
+                         [] { return random_matrix(14000, 8000, 2); }},
+        pair_of_operands{"ManyColumnsThatJumpInTheCache",
+                         [] { return random_matrix(9000, 7000, 1); },
                          [] { return random_matrix(7000, 8000, 2); }},
         pair_of_operands{"ManyColumnsThatJumpToLongRows",
-                         [] { return random_matrix(9000, 7000, 14); },
-                         [] { return long_rows_among_short(7000, 2000); }},
+                         [] { return random_matrix(9000, 20000, 14); },
+                         [] { return long_rows_among_short(20000, 2000); }},
         pair_of_operands{"ManyColumnsThatJumpToRowsOfOneEntry",
-                         [] { return random_matrix(9000, 7000, 3); },
-                         [] { return one_entry_a_row(7000, 2000); }},
+                         [] { return random_matrix(9000, 99000, 3); },
+                         [] { return one_entry_a_row(99000, 2000); }},
         pair_of_operands{"FewColumnsToRowsOfOneEntry", [] { return random_matrix(90, 70, 4); },
                          [] { return one_entry_a_row(70, 70); }},
         pair_of_operands{"FewColumnsToAsManyEntriesAsRows", [] { return random_matrix(90, 70, 5); },
@@ -98,8 +101,8 @@ INSTANTIATE_TEST_SUITE_P(
         pair_of_operands{"PathsThatNobodyForesees", [] { return random_matrix(9000, 300, 7); },
                          [] { return random_matrix(300, 60, 8); }},
         pair_of_operands{"PathsThatNobodyForeseesAndColumnsThatJump",
-                         [] { return random_matrix(9000, 3000, 9); },
-                         [] { return random_matrix(3000, 60, 10); }},
+                         [] { return random_matrix(9000, 14000, 9); },
+                         [] { return random_matrix(14000, 60, 10); }},
         pair_of_operands{"PathsThatNobodyForeseesToRowsOfOneEntry",
                          [] { return random_matrix(9000, 300, 11); },
                          [] { return one_entry_a_row(300, 7); }},
