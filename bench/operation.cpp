@@ -28,6 +28,9 @@ matrix_maker seven_point_rows() {
 matrix_maker twenty_seven_point_rows() {
   return [](double rows) { return twenty_seven_point(rows); };
 }
+matrix_maker triangle_rows() {
+  return [](double rows) { return triangles(rows); };
+}
 matrix_maker random_rows() {
   return [](double rows) { return uniform_random(rows); };
 }

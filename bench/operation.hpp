@@ -25,6 +25,7 @@ workload on(std::string name, matrix_maker make, double rows, double goal,
 
 // Matrices by the names that the reports use.
 matrix_maker five_point_rows();
+matrix_maker triangle_rows();
 matrix_maker seven_point_rows();
 matrix_maker twenty_seven_point_rows();
 matrix_maker random_rows();

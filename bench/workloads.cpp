@@ -121,6 +121,42 @@ matrix twenty_seven_point(double rows, std::uint64_t seed) {
   return stencil<27>(side, side, side, all_neighbours(), seed);
 }
 
+matrix triangles(double rows, std::uint64_t seed) {
+  const std::int32_t side = square_side(rows);
+  random_numbers random(seed);
+  std::vector<std::int32_t> rises(static_cast<std::size_t>(side) * static_cast<std::size_t>(side));
+  std::generate(rises.begin(), rises.end(), [&] { return random.below(2); });
+  // Does the diagonal of the little square with point (x, y) as its lowest go up to the right?
+  const auto rising = [&](std::int32_t x, std::int32_t y) {
+    return rises[static_cast<std::size_t>(y * side + x)] != 0;
+  };
+
+  matrix a = with_rows(side * side, side * side, rises.size() * 7);
+  for (std::int32_t y = 0; y < side; ++y)
+    for (std::int32_t x = 0; x < side; ++x) {
+      const bool left = x > 0;
+      const bool right = x < side - 1;
+      const bool below = y > 0;
+      const bool above = y < side - 1;
+      const std::int32_t i = y * side + x + 1;
+      const auto add_if = [&](bool is_neighbour, std::int32_t j) {
+        if (is_neighbour) a.columns.push_back(j);
+      };
+      add_if(below && left && rising(x - 1, y - 1), i - side - 1);
+      add_if(below, i - side);
+      add_if(below && right && !rising(x, y - 1), i - side + 1);
+      add_if(left, i - 1);
+      add_if(true, i);
+      add_if(right, i + 1);
+      add_if(above && left && !rising(x - 1, y), i + side - 1);
+      add_if(above, i + side);
+      add_if(above && right && rising(x, y), i + side + 1);
+      end_row(a);
+    }
+  fill_values(a, random);
+  return a;
+}
+
 matrix uniform_random(double rows, int per_row, std::uint64_t seed) {
   const auto n = std::max(16, static_cast<std::int32_t>(rows));
   random_numbers random(seed);

@@ -19,6 +19,10 @@ matrix five_point(double rows, std::uint64_t seed = 1);
 matrix seven_point(double rows, std::uint64_t seed = 1);
 matrix twenty_seven_point(double rows, std::uint64_t seed = 1);
 
+// The points of a square that is cut into triangles, each little square along either of its
+// diagonals: rows of 4 to 9 entries, sorted.
+matrix triangles(double rows, std::uint64_t seed = 1);
+
 // Rows of `per_row` different columns each, uniformly random, sorted.
 matrix uniform_random(double rows, int per_row = 8, std::uint64_t seed = 1);
 

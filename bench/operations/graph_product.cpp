@@ -11,8 +11,10 @@ operation graph_product() {
   of.formula = "paths of length two, no diagonal";
   of.workloads = {on("5-point", five_point_rows(), 1e6, 0),
                   on("27-point", twenty_seven_point_rows(), 262144, 0),
+                  on("triangles", triangle_rows(), 1e6, 0),
                   on("7-point, 3 unknowns", seven_point_rows_of_three(), 1e5, 0),
-                  on("random", random_rows(), 1e6, 0), on("R-MAT", rmat_rows(), 16384, 0)};
+                  on("random", random_rows(), 1e6, 0),
+                  on("R-MAT", rmat_rows(), 16384, 0)};
   of.plain = [](const problem& p) {
     return makes([&a = p.a] { return plain::multiply_graph(a, a); }, matrix_answer);
   };

@@ -11,6 +11,7 @@ void with_vector(problem& p) { p.weights = random_integers(p.a.n); }
 
 std::vector<workload> workloads() {
   return {on("5-point", five_point_rows(), 1e6, 0, with_vector),
+          on("triangles", triangle_rows(), 1e6, 0, with_vector),
           on("random", random_rows(), 1e6, 0, with_vector)};
 }
 

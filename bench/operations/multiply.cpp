@@ -12,6 +12,7 @@ operation multiply() {
   of.workloads = {on("5-point", five_point_rows(), 1e6, 3.5),
                   on("7-point", seven_point_rows(), 1e6, 3.5),
                   on("27-point", twenty_seven_point_rows(), 262144, 3.5),
+                  on("triangles", triangle_rows(), 1e6, 0),
                   on("7-point, 3 unknowns", seven_point_rows_of_three(), 1e5, 0),
                   on("7-point, renumbered", renumbered_rows(), 1e6, 0),
                   on("27-point, random order", random_order_rows(), 262144, 0),

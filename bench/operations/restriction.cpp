@@ -32,7 +32,9 @@ operation restriction() {
                   on("smoothed, 7-point", seven_point_rows(), 1e6, 1.3,
                      [](problem& p) { smooth(p, aggregates_of_cube(cube_side(p.a.n))); }),
                   on("smoothed, 27-point", twenty_seven_point_rows(), 262144, 1.1,
-                     [](problem& p) { smooth(p, aggregates_of_cube(cube_side(p.a.n))); })};
+                     [](problem& p) { smooth(p, aggregates_of_cube(cube_side(p.a.n))); }),
+                  on("smoothed, triangles", triangle_rows(), 1e6, 0,
+                     [](problem& p) { smooth(p, aggregates_of_square(square_side(p.a.n))); })};
   of.plain = [](const problem& p) {
     return makes([&p] { return plain::restriction(p.a, p.b, p.r); }, matrix_answer);
   };

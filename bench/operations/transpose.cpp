@@ -9,10 +9,12 @@ operation transpose() {
   operation of;
   of.name = "transpose";
   of.formula = "A'";
-  of.workloads = {
-      on("5-point", five_point_rows(), 1e6, 2), on("7-point", seven_point_rows(), 1e6, 2),
-      on("27-point", twenty_seven_point_rows(), 262144, 2), on("random", random_rows(), 1e6, 1.3),
-      on("in cache, uneven", uneven_rows(), 1e4, 0)};
+  of.workloads = {on("5-point", five_point_rows(), 1e6, 2),
+                  on("7-point", seven_point_rows(), 1e6, 2),
+                  on("27-point", twenty_seven_point_rows(), 262144, 2),
+                  on("random", random_rows(), 1e6, 1.3),
+                  on("triangles", triangle_rows(), 1e6, 0),
+                  on("in cache, uneven", uneven_rows(), 1e4, 0)};
   of.plain = [](const problem& p) {
     return makes([&p] { return plain::transpose(p.a); }, matrix_answer);
   };

@@ -16,6 +16,7 @@ std::vector<workload> workloads(double goal_large, double goal_in_cache) {
           on("7-point", seven_point_rows(), 1e6, goal_large, with_vector),
           on("27-point", twenty_seven_point_rows(), 262144, goal_large, with_vector),
           on("random", random_rows(), 1e6, goal_large, with_vector),
+          on("triangles", triangle_rows(), 1e6, 0, with_vector),
           on("tridiagonal", tridiagonal_rows(), 2e6, 0, with_vector),
           on("in cache, 5-point", five_point_rows(), 1e4, goal_in_cache, with_vector),
           on("in cache, 27-point", twenty_seven_point_rows(), 2197, goal_in_cache, with_vector),
