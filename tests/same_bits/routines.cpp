@@ -28,6 +28,8 @@ csr_matrix copy_of(const csr_matrix& mat) {
 // Products and sums large enough for whatever is done for large ones alone.
 csr_matrix large_grid(kind values) { return five_point(420, 400, values); }
 csr_matrix large_scatter(kind values) { return unsorted(60000, 60000, 9, values, 6); }
+// So many short rows that where they end is not foreseen.
+csr_matrix many_short_rows(kind values) { return unsorted(20000, 3000, 3, values, 34); }
 
 template <class Use>
 void for_square_matrices(const Use& use) {
@@ -260,6 +262,10 @@ void convert_routines(report& results) {
   csr_matrix wide_transpose;
   csr_matrix_transpose(unsorted(90, 30, 12, kind::even, 33), wide_transpose, 40);
   results["csr_matrix_transpose"].add(wide_transpose);
+  for (const kind values : {kind::even, kind::pattern}) {
+    csr_matrix_transpose(many_short_rows(values), wide_transpose);
+    results["csr_matrix_transpose"].add(wide_transpose);
+  }
 }
 
 namespace {
@@ -365,6 +371,7 @@ void product_routines(report& results) {
     const csr_matrix b = unsorted(110, 50, 40, values, 72);
     products(results, a, b);
     vectors(results, a, values);
+    vectors(results, many_short_rows(values), values);
     for (const std::int32_t unknowns : {2, 3, 5, 9}) {
       const csr_matrix several = chain(12, unknowns, values);
       products(results, several, several);
