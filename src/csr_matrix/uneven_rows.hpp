@@ -37,8 +37,7 @@ namespace csr_matrix_mod {
 inline constexpr std::int32_t most_in_short_rows = 4;
 
 [[nodiscard]] inline bool are_short_and_surprise(const csr_matrix& mat) {
-  return mat.n > 0 && entries_a_row(mat) <= most_in_short_rows &&
-         ends_surprise(mat, most_in_short_rows);
+  return ends_surprise(mat, most_in_short_rows) && entries_a_row(mat) <= most_in_short_rows;
 }
 
 // As `entries_ahead`, but two entries are visited at a time, with -1 for each that is of the row
