@@ -113,10 +113,11 @@ template <diagonal Diagonal, class Values, class Path, class Rows, class Beside 
   if (to.ic.length() > 0) starts[0] = 1;  // fewer than 0 rows have no row start
   std::int32_t pos = 0;
   std::int32_t first = 1;
-  const auto walk = [&](std::int64_t i, const auto store) {
+  const auto walk = [&](std::int64_t i, const auto store, const auto... before_right_row) {
     const std::int32_t left_end = left_starts[i];
     for (std::int32_t k = left_starts[i - 1]; k < left_end; ++k) {
       beside.before(k);
+      (before_right_row(), ...);
       const std::int32_t j = left_columns[k - 1];
       const auto left = path.left(k, j);
       const std::int32_t right_end = right_rows.end(j);
@@ -172,10 +173,13 @@ template <diagonal Diagonal, class Values, class Path, class Rows, class Beside 
           walk(i, by_branch);
           break;
         case row_walk::watched:
-          walk(i, [&](std::int32_t column, double worth) {
-            foresight.see(mark[column - 1] < first);
-            by_branch(column, worth);
-          });
+          walk(
+              i,
+              [&](std::int32_t column, double worth) {
+                foresight.see(mark[column - 1] < first);
+                by_branch(column, worth);
+              },
+              [&] { foresight.begin_right_row(); });
           foresight.end_watched_row();
           break;
       }

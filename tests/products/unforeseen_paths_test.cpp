@@ -54,6 +54,32 @@ TEST_F(UnforeseenPaths, AreNotThoseWithOutcomesInTurn) {
   EXPECT_EQ(walked(rows, 5000, [](int, int p) { return p % 3 == 0; }), row_walk::by_branch);
 }
 
+// Right rows of one or two paths, nobody foresees which: the last outcomes alone tell neither which
+// path is the first of its right row nor which right row of how many it is.
+TEST_F(UnforeseenPaths, AreNotThoseThatDependOnWhereInItsRowAPathIs) {
+  const std::function<bool(unsigned left_entry, unsigned right_entry)> kinds[] = {
+      [](unsigned, unsigned right_entry) { return right_entry == 0; },
+      [](unsigned left_entry, unsigned) { return (0b101'1001U >> left_entry & 1U) != 0; }};
+  for (const auto& is_new : kinds) {
+    row_walk last = row_walk::watched;
+    for (int i = 0; i < 20000; ++i) {
+      const row_walk walk = rows.next_row(entries_a_row);
+      if (walk != row_walk::watched) {
+        last = walk;
+        continue;
+      }
+      for (unsigned left_entry = 0; left_entry < 7; ++left_entry) {
+        rows.begin_right_row();
+        const unsigned paths = 1 + random() % 2;
+        for (unsigned right_entry = 0; right_entry < paths; ++right_entry)
+          rows.see(is_new(left_entry, right_entry));
+      }
+      rows.end_watched_row();
+    }
+    EXPECT_EQ(last, row_walk::by_branch);
+  }
+}
+
 // Far more outcomes than the last ones tell apart.
 TEST_F(UnforeseenPaths, AreNotThoseOfRowsThatRepeatOneOfTheRowsBefore) {
   constexpr int paths = 4000;
