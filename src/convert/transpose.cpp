@@ -74,11 +74,11 @@ void scatter_in_steps(const csr_matrix& mat, csr_matrix& mat_t, Values values) {
   std::int32_t* const new_columns = mat_t.ja.data();
   [[maybe_unused]] double* const new_values = mat_t.a.data();
   std::int32_t first = starts[0];
-  for (std::int32_t i = 1; i <= mat.n; ++i) {
+  for (std::int64_t i = 1; i <= mat.n; ++i) {
     const auto put = [&](std::int32_t k, std::int64_t kept) {
       std::int32_t& place = cursor[rows[k - 1] - 1];
       const std::int32_t p = place;
-      new_columns[p - 1] = i;
+      new_columns[p - 1] = static_cast<std::int32_t>(i);
       if constexpr (valued) new_values[p - 1] = values[k - 1];
       place = p - static_cast<std::int32_t>(kept);
     };
