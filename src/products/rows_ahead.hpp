@@ -26,7 +26,7 @@ namespace csr_matrix_mod::products {
 // for 7 and for 27 points in random order: 5 to 7 times as fast, shuffled within 64 points 1.4 and
 // 1.15 times. For random columns, 8 a row and a million rows, 5.5 times, 20 a row and 100 000 rows
 // 5.3, for R-MAT of 2^17 rows 1.2 times. It costs up to a fifth where right rows are met in order,
-// and is not done there, and up to a tenth where the cache holds them.
+// and up to a third where the cache holds all of them, short ones above all, and is not done there.
 template <class Path, class Rows>
 class rows_ahead : public walk_alone {
  public:

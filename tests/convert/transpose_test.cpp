@@ -272,14 +272,7 @@ TEST(Transpose, OfShortUnevenRowsHoldsEveryEntryInItsColumn) {
     csr_matrix_transpose(bare, mat_t);
     EXPECT_EQ(columns_of(mat_t), columns_of(tests::dense::transpose(rows, m)));
 
-    constexpr std::size_t shared = n / 2;
-    mat.ia.data()[shared] = mat.ia.data()[shared - 2];
-    const auto before = rows.begin() + shared - 2;
-    std::vector<tests::entry> all;
-    for (auto row = before; row != before + 3; ++row)
-      all.insert(all.end(), row->begin(), row->end());
-    rows[shared - 1].clear();
-    rows[shared] = all;
+    tests::begin_two_rows_earlier(mat, rows, n / 2);
     csr_matrix_transpose(mat, mat_t);
     EXPECT_EQ(entries_of(mat_t), tests::dense::transpose(rows, m));
   }

@@ -306,14 +306,7 @@ TEST(AllVectors, OfUnevenRowsThatShareEntriesVisitThemAgain) {
     for (std::int32_t i = 0; i < n; ++i)
       rows[static_cast<std::size_t>(i)].assign(static_cast<std::size_t>(any_of(kinds, i)), i + 1);
     csr_matrix mat = pattern(n, rows);
-    constexpr std::size_t shared = n / 2;
-    mat.ia.data()[shared] = mat.ia.data()[shared - 2];
-    const auto before = rows.begin() + shared - 2;
-    std::vector<std::int32_t> all;
-    for (auto row = before; row != before + 3; ++row)
-      all.insert(all.end(), row->begin(), row->end());
-    rows[shared - 1].clear();
-    rows[shared] = all;
+    begin_two_rows_earlier(mat, rows, n / 2);
     const ints x(n, 3), y(n, 9);
     EXPECT_EQ(applied(csr_matrix_multiply_ivector, mat, x, y), dense::times(rows, x));
     EXPECT_EQ(applied(csr_matrix_trans_mult_ivector, mat, x, y),

@@ -5,6 +5,7 @@
 
 #include <csr_matrix_mod/csr_matrix.hpp>
 
+#include <cstddef>
 #include <cstdint>
 #include <iosfwd>
 #include <vector>
@@ -33,5 +34,17 @@ column_rows columns_of(const csr_matrix& mat);
 
 // The pattern of `rows`.
 column_rows columns_of(const entry_rows& rows);
+
+// In the record and in `rows`, row `row`, counted from 0, begins where the row two before it does:
+// the row before it has no entries any more, this one has those of all three.
+template <class Rows>
+void begin_two_rows_earlier(csr_matrix& mat, Rows& rows, std::size_t row) {
+  mat.ia.data()[row] = mat.ia.data()[row - 2];
+  auto all = rows[row - 2];
+  for (const std::size_t more : {row - 1, row})
+    all.insert(all.end(), rows[more].begin(), rows[more].end());
+  rows[row - 1].clear();
+  rows[row] = all;
+}
 
 }  // namespace tests
