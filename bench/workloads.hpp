@@ -20,7 +20,7 @@ matrix seven_point(double rows, std::uint64_t seed = 1);
 matrix twenty_seven_point(double rows, std::uint64_t seed = 1);
 
 // The points of a square that is cut into triangles, each little square along either of its
-// diagonals: rows of 4 to 9 entries, sorted.
+// diagonals: rows of 3 to 9 entries, sorted.
 matrix triangles(double rows, std::uint64_t seed = 1);
 
 // Rows of `per_row` different columns each, uniformly random, sorted.
