@@ -2,6 +2,7 @@
 // Between a matrix and coordinate lists: row, column and value of each entry.
 #include "../csr_matrix/row_starts.hpp"
 #include "../support/entry_count.hpp"
+#include "../support/past_cache.hpp"
 #include "../support/stop.hpp"
 #include "scatter.hpp"
 
@@ -45,17 +46,22 @@ std::int32_t largest(const std::int32_t* columns, std::int32_t nnz) {
 
 // Row starts from lists in row order: the last entry of a row says where the next row starts. The
 // entries need not be counted and the lists are the arrays. False, with nothing decided, where the
-// lists are not in row order, which their first entries nearly always tell.
+// lists are not in row order, which their first entries nearly always tell. `copy` is told of some
+// entries at a time, the first and how many, that are in row order so far.
 //
 // Some entries are compared at a time, in vector registers, and so are the row starts in the search
 // for rows without entries.
-bool row_starts_from_ordered(csr_matrix& mat, const std::int32_t* rows, std::int32_t nnz) {
-  constexpr std::int32_t at_a_time = 1024;
+template <class Copy>
+bool row_starts_from_ordered(csr_matrix& mat, const std::int32_t* rows, std::int32_t nnz,
+                             const Copy& copy) {
+  constexpr std::int32_t at_a_time = 128;
   std::int32_t* const starts = mat.ia.data();
   for (std::int32_t k = 0; k < nnz;) {
-    const std::int32_t end = k + std::min(at_a_time, nnz - k);
+    const std::int32_t some = std::min(at_a_time, nnz - k);
+    const std::int32_t end = k + some;
     if (!rows_follow(rows, std::max(k, 1), end - 1)) return false;
     if (k == 0) std::fill(mat.ia.begin(), mat.ia.end(), 1);
+    copy(k, some);
     for (; end - k >= 4; k += 4)  // as compilers do not unroll it
       for (std::int32_t next = k; next < k + 4; ++next) starts[rows[next]] = next + 2;
     for (; k < end; ++k) starts[rows[k]] = k + 2;
@@ -68,6 +74,28 @@ bool row_starts_from_ordered(csr_matrix& mat, const std::int32_t* rows, std::int
     i = last + 1;
   }
   return true;
+}
+
+// The matrix, if the lists are in row order; false, and nothing decided, if not. What the cache will
+// not hold is copied past it, while the row numbers are read: 1.15 times as fast in fresh memory,
+// 1.5 to 1.7 times in recycled memory.
+bool copied_in_row_order(csr_matrix& mat, const std::int32_t* rows, const std::int32_t* columns,
+                         const double* values, std::int32_t nnz) {
+  std::int32_t* const new_columns = mat.ja.data();
+  double* const new_values = mat.a.data();
+  if (nnz < entries_past_cache) {
+    if (!row_starts_from_ordered(mat, rows, nnz, [](std::int32_t, std::int32_t) {})) return false;
+    std::copy_n(columns, nnz, new_columns);
+    if (values != nullptr) std::copy_n(values, nnz, new_values);
+    return true;
+  }
+  const bool ordered =
+      row_starts_from_ordered(mat, rows, nnz, [=](std::int32_t k, std::int32_t some) {
+        copy_past_cache(columns + k, some, new_columns + k);
+        if (values != nullptr) copy_past_cache(values + k, some, new_values + k);
+      });
+  end_copies_past_cache();
+  return ordered;
 }
 
 }  // namespace
@@ -109,20 +137,14 @@ void coo_to_csr_format(std::int32_t n, std::int32_t nnz, array_view<const std::i
   const std::int32_t* const columns = col.data();
   csr_matrix_initial(n, mat, m ? *m : largest(columns, nnz), type.value_or(matrix_real));
   const double* const values = mat.type == matrix_real ? val.data() : nullptr;
-  if (nnz > 0 && row_starts_from_ordered(mat, rows, nnz)) {
-    csr_matrix_allocate(mat, nnz);
-    std::copy_n(columns, nnz, mat.ja.data());
-    if (values != nullptr) std::copy_n(values, nnz, mat.a.data());
-    return;
-  }
+  csr_matrix_allocate(mat, nnz);
+  if (nnz > 0 && copied_in_row_order(mat, rows, columns, values, nnz)) return;
 
   // Count the entries of each row; the row starts follow.
   std::int32_t* const cursor = mat.ia.data();
   std::fill(mat.ia.begin(), mat.ia.end(), 0);
   for (std::int32_t k = 1; k <= nnz; ++k) ++cursor[rows[k - 1] - 1];
   row_starts_from_counts(mat);
-
-  csr_matrix_allocate(mat, nnz);
 
   // Fill in list order, so that each row keeps the order of the lists.
   scatter(rows, nnz, values, cursor, mat.ja.data(), mat.a.data(), [=](const auto& put, bool) {

@@ -4,6 +4,7 @@
 #include "../csr_matrix/ascending_rows.hpp"
 #include "../csr_matrix/one_pass.hpp"
 #include "../support/entry_count.hpp"
+#include "../support/past_cache.hpp"
 #include "../support/scratch.hpp"
 #include "../support/stop.hpp"
 #include "short_rows.hpp"
@@ -11,6 +12,7 @@
 #include <csr_matrix_mod/convert.hpp>
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cstring>
 
@@ -142,9 +144,26 @@ class filling {
     if (values_ == nullptr) return first + length;
     const double* const values = one.values + from;
     const double* const others = other.values + (other.starts[i - 1] - 1);
-    double* __restrict const sums = values_ + (first - 1);
-    for (std::int32_t k = 0; k < length; ++k) sums[k] = values[k] + others[k];
+    add(values, others, length, values_ + (first - 1));
     return first + length;
+  }
+
+  // The same past the cache: in recycled memory 1.05 to 1.25 times as fast.
+  void add_equal_past_cache(const operand& one, const operand& other, std::int64_t i,
+                            std::int64_t last, std::int32_t first) const {
+    const std::int32_t from = one.starts[i - 1] - 1;
+    const std::int32_t length = one.starts[last] - 1 - from;
+    copy_past_cache(one.columns + from, length, columns_ + (first - 1));
+    if (values_ == nullptr) return;
+    const double* const values = one.values + from;
+    const double* const others = other.values + (other.starts[i - 1] - 1);
+    constexpr std::int32_t at_a_time = 512;
+    std::array<double, at_a_time> sums;
+    for (std::int32_t k = 0; k < length; k += at_a_time) {
+      const std::int32_t some = std::min(at_a_time, length - k);
+      add(values + k, others + k, some, sums.data());
+      copy_past_cache(sums.data(), some, values_ + (first - 1 + k));
+    }
   }
 
  private:
@@ -203,6 +222,11 @@ class filling {
     return p;
   }
 
+  static void add(const double* values, const double* others, std::int32_t length,
+                  double* __restrict sums) {
+    for (std::int32_t k = 0; k < length; ++k) sums[k] = values[k] + others[k];
+  }
+
   void put_row(const operand& mat, std::int32_t from, std::int32_t length, std::int32_t p) const {
     copy_in_fours(mat.columns + from, length, columns_ + (p - 1));
     if (values_ != nullptr) copy_in_fours(mat.values + from, length, values_ + (p - 1));
@@ -247,10 +271,14 @@ void fill_rows(const operand first, const operand second, csr_matrix& sum, std::
   std::int32_t* const starts = sum.ia.data();
   const std::int64_t n = sum.n;
   constexpr std::int64_t at_a_time = Rule::looks_at_rows ? 16 : 1;
+  const bool past_cache = std::min(first.entries, second.entries) >= entries_past_cache;
   for (std::int64_t i = 1; i <= n; i += at_a_time) {
     const std::int64_t last = std::min(i + at_a_time - 1, n);
     if (Rule::looks_at_rows && rows.are_equal(first, second, i, last)) {
-      rows.add_equal(first, second, i, last, starts[i - 1]);
+      if (past_cache)
+        rows.add_equal_past_cache(first, second, i, last, starts[i - 1]);
+      else
+        rows.add_equal(first, second, i, last, starts[i - 1]);
       const std::int32_t moved = starts[i - 1] - first.starts[i - 1];
       for (std::int64_t row = i; row <= last; ++row) starts[row] = first.starts[row] + moved;
       continue;
@@ -258,6 +286,7 @@ void fill_rows(const operand first, const operand second, csr_matrix& sum, std::
     for (std::int64_t row = i; row <= last; ++row)
       starts[row] = rows.fill_row(first, second, static_cast<std::int32_t>(row), starts[row - 1]);
   }
+  if (past_cache) end_copies_past_cache();
 }
 
 template <class Rule>

@@ -322,6 +322,19 @@ TEST(FromCoordinates, DealsLongListsOut) {
   expect_dealt_out(n, near);
 }
 
+// So large that they are copied past the cache: lists in row order, some rows without entries, and
+// lists whose last entry alone is out of order.
+TEST(FromCoordinates, CopiesListsLargerThanTheCache) {
+  constexpr std::int32_t nnz = (1 << 21) + 61;
+  constexpr std::int32_t n = nnz / 50 + 1;
+  integers row;
+  row.reserve(nnz);
+  for (std::int32_t k = 0; k < nnz; ++k) row.push_back(k / 150 * 3 + (k % 150 < 31 ? 1 : 2));
+  expect_dealt_out(n, row);
+  row.back() = 1;
+  expect_dealt_out(n, row);
+}
+
 // The lists dealt out one by one to the rows they name.
 RC_GTEST_PROP(CoordinatesProperty, DealsTheListsOutToTheRows, ()) {
   const auto n = *rc::gen::inRange<std::int32_t>(1, 9);

@@ -274,6 +274,39 @@ TEST(Sum, FindsTheOneRowOfManyThatDiffers) {
     }
 }
 
+// So large that rows are added past the cache; some of them differ, so that the others begin and
+// end anywhere in a line, and some are longer than what is added at a time.
+TEST(Sum, AddsMatricesLargerThanTheCache) {
+  constexpr std::int32_t m = 700;
+  entry_rows rows;
+  for (std::int32_t entries = 0; entries < 1 << 21;) {
+    const auto i = static_cast<std::int32_t>(rows.size());
+    const std::int32_t length = i % 1000 < 2 ? m : 20 + i % 19;
+    auto& row = rows.emplace_back();
+    for (std::int32_t j = 1; j <= length; ++j) row.push_back({j, 1e15 - 0.1 * (i % 97) * j});
+    entries += length;
+  }
+  entry_rows others = rows;
+  entry_rows expected = rows;
+  for (std::size_t i = 0; i < rows.size(); ++i) {
+    for (std::size_t k = 0; k < rows[i].size(); ++k) {
+      others[i][k].value = 0.3 - rows[i][k].value;
+      expected[i][k].value = rows[i][k].value + others[i][k].value;
+    }
+    if (i % 61 != 0) continue;
+    ++others[i].back().column;
+    expected[i].back() = rows[i].back();
+    expected[i].push_back(others[i].back());
+  }
+  const csr_matrix mat1 = real_matrix(m + 1, rows);
+  const csr_matrix mat2 = real_matrix(m + 1, others);
+  csr_matrix mat3;
+  expect_silent([&] { csr_matrix_sum(mat1, mat2, mat3); });
+  EXPECT_TRUE(entries_of(mat3) == expected);
+  expect_silent([&] { csr_matrix_sum(mat1, pattern(m + 1, columns_of(others)), mat3); });
+  EXPECT_TRUE(columns_of(mat3) == columns_of(expected));
+}
+
 // The same columns in an order that does not ascend, in rows as long as short ones and longer; none
 // is repeated, or one of them anywhere else in the row. Another order would give other values.
 TEST(Sum, AddsEqualRowsThatDoNotAscend) {
