@@ -35,6 +35,7 @@ class repeated_rows : public walk_alone {
         left_columns_(of.ja.data()),
         right_starts_(of.ib.data()),
         right_columns_(of.jb.data()),
+        right_rows_(right_rows),
         right_end_(of.ib(right_rows + std::int64_t{1})),
         room_for_columns_(to.jc.length()),
         starts_(to.ic.data()),
@@ -64,6 +65,7 @@ class repeated_rows : public walk_alone {
 
  private:
   static constexpr std::int32_t worthwhile = 8;
+  static constexpr std::int32_t few = 6;            // fewer rows are faster one by one
   static constexpr std::int64_t least_room = 2048;  // that of stencils of 5 or 7 points
 
   // The pattern of row i, which was walked, if it is worth its room: where rows repeat it, or where
@@ -82,34 +84,24 @@ class repeated_rows : public walk_alone {
   // Room for what is summed side by side.
   [[nodiscard]] bool find_room(const row_pattern& of) noexcept {
     if constexpr (!Values::stored) return true;
-    const std::int64_t wanted = of.right_elements + rows_at_once * (of.entries + of.width) + 1;
+    const std::int64_t wanted =
+        of.right_elements + rows_at_once * (of.entries + 2 * std::int64_t{of.width}) + 1;
     return wanted <= room_.length() ||
            room_.allocate(std::max(wanted, least_room), contents::undefined);
   }
 
-  // The rows after `row` that repeat it. Where rows are not spread and what is left is not a
-  // multiple of 16, it is summed once more with the rows before it.
+  // The rows after `row` that repeat it.
   void store_repeats(const row_pattern& of, std::int64_t& row, std::int32_t& pos) const noexcept {
-    const std::int64_t base = row;
     while (const std::int32_t repeats = repeats_.after(row)) {
       const std::int64_t last = row + repeats;
       ask_for_columns_behind(of, last);
       while (row < last) {
         const auto rows =
             static_cast<std::int32_t>(std::min<std::int64_t>(rows_at_once, last - row));
-        if (spread(of, row + 1, rows, pos)) {
+        if (spread(of, row + 1, rows, pos) || store_rows(of, row + 1, rows, pos))
           row += rows;
-          continue;
-        }
-        const bool whole = rows == rows_at_once;
-        if (!whole && (rows < worthwhile / 2 || last + 1 - base < rows_at_once)) {
+        else
           store_row(of, ++row, pos);
-          continue;
-        }
-        const std::int64_t from = whole ? row + 1 : last + 1 - rows_at_once;
-        pos -= static_cast<std::int32_t>(row + 1 - from) * of.width;
-        store_rows(of, from, pos);
-        row = from + rows_at_once - 1;
       }
     }
   }
@@ -172,24 +164,50 @@ class repeated_rows : public walk_alone {
     pos += of.width;
   }
 
-  // 16 rows from row i on, behind position `pos`.
-  void store_rows(const row_pattern& of, std::int64_t i, std::int32_t& pos) const noexcept {
-    store_columns(of, i, rows_at_once, pos);
-    const std::int64_t stored = std::int64_t{rows_at_once} * of.width;
+  // Some rows from row i on, at most 16, behind position `pos`; false where they are too few. 16 are
+  // summed whatever there is in those behind: A A of 27 points is 1.2 to 1.45 times as fast on cubes
+  // of 14 to 17 points a side.
+  bool store_rows(const row_pattern& of, std::int64_t i, std::int32_t rows,
+                  std::int32_t& pos) const noexcept {
+    const bool whole = rows == rows_at_once;
+    if (!whole && (rows < few || !has_rows_behind(of, i))) return false;
+    store_columns(of, i, rows, pos);
+    const std::int64_t stored = std::int64_t{rows} * of.width;
     const std::int64_t next = pos + stored;
     prefetch_for_writing(columns_ + next, std::min(stored, room_for_columns_ - next));
     if constexpr (Values::stored) {
       const std::int64_t factors = std::int64_t{rows_at_once} * of.entries;
       double* const left = room_.data();
       double* const sums = left + factors;
-      double* const right = sums + stored;
+      double* const right = sums + std::int64_t{rows_at_once} * of.width;
       prefetch_for_writing(values_.ac + pos, stored);
       turn_left(of, i, left);
       turn_right(of, i, right);
       by_.sum(of.terms, of.ends, of.width, left, right, sums);
-      by_.turn(sums, of.width, rows_at_once, values_.ac + pos, of.width);
+      if (whole) {
+        by_.turn(sums, of.width, rows_at_once, values_.ac + pos, of.width);
+      } else {
+        double* const turned = right + of.right_elements;
+        by_.turn(sums, of.width, rows_at_once, turned, of.width);
+        std::copy_n(turned, stored, values_.ac + pos);
+      }
     }
-    pos += rows_at_once * of.width;
+    pos += static_cast<std::int32_t>(stored);
+    return true;
+  }
+
+  // Are 16 rows from row i on, and what they lead to, within the operands, whatever they hold?
+  [[nodiscard]] bool has_rows_behind(const row_pattern& of, std::int64_t i) const noexcept {
+    if (!Values::stored) return true;
+    if (left_starts_[i - 1] + std::int64_t{rows_at_once} * of.entries > left_starts_[n_])
+      return false;
+    bool within = true;
+    of.for_each_band([&](std::int32_t k, std::int32_t, std::int32_t rows, std::int32_t) {
+      const std::int64_t first = i + of.left_columns[k];
+      within = within && first + rows - 1 <= right_rows_ &&
+               right_starts_[first - 1] + std::int64_t{rows} * of.right_lengths[k] <= right_end_;
+    });
+    return within;
   }
 
   // Where the last of the right rows ends to which some rows from row i on lead.
@@ -251,6 +269,7 @@ class repeated_rows : public walk_alone {
   const std::int32_t* left_columns_;
   const std::int32_t* right_starts_;
   const std::int32_t* right_columns_;
+  std::int64_t right_rows_;
   std::int64_t right_end_;
   std::int64_t room_for_columns_;
   std::int32_t* starts_;
