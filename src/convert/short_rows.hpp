@@ -42,6 +42,11 @@ class short_rows {
     return !any(descents(one, length) | descents(other, other_length));
   }
 
+  // Do the columns of a short row ascend?
+  [[nodiscard]] static bool ascends(const std::int32_t* row, std::int32_t length) noexcept {
+    return !any(descents(row, length));
+  }
+
   // Is each column of a short row there once, in whatever order?
   [[nodiscard]] static bool each_is_once(const std::int32_t* row, std::int32_t length) noexcept {
     lanes repeats{};

@@ -368,6 +368,39 @@ TEST(Sum, AddsShortRowsThatShareSomeColumns) {
 }
 
 // The last row is one entry of the sum, so that there is no slot to spare behind the first.
+// Rows of a lower and of an upper triangle, which share the diagonal or nothing, either way around;
+// in some matrices one row in twenty does not ascend, or ends in the columns of the other.
+TEST(Sum, AddsRowsThatLieOneBehindTheOther) {
+  constexpr std::int32_t n = 400;
+  for (const bool diagonal : {true, false})
+    for (const std::int32_t broken : {0, 1, 2}) {
+      entry_rows lower(n);
+      entry_rows upper(n);
+      for (std::int32_t i = 1; i <= n; ++i) {
+        auto& below = lower[static_cast<std::size_t>(i - 1)];
+        auto& above = upper[static_cast<std::size_t>(i - 1)];
+        for (std::int32_t k = i * 5 % 7; k > 0; --k)
+          if (i - 3 * k >= 1) below.push_back({i - 3 * k, 1e15 - 0.1 * k});
+        if (diagonal) below.push_back({i, 0.1 * i});
+        if (diagonal) above.push_back({i, 1e15 + i});
+        for (std::int32_t k = 1; k <= i * 3 % 8; ++k)
+          if (i + 2 * k <= n) above.push_back({i + 2 * k, -0.0});
+        if (i % 20 != 7) continue;
+        if (broken == 1) std::reverse(below.begin(), below.end());
+        if (broken == 2 && i < n) below.push_back({n, 0.5});
+      }
+      const csr_matrix mat1 = real_matrix(n, lower);
+      const csr_matrix mat2 = real_matrix(n, upper);
+      csr_matrix mat3;
+      expect_silent([&] { csr_matrix_sum(mat1, mat2, mat3); });
+      EXPECT_EQ(entries_of(mat3), tests::dense::sum(lower, upper, n)) << diagonal << broken;
+      expect_silent([&] { csr_matrix_sum(mat2, mat1, mat3); });
+      EXPECT_EQ(entries_of(mat3), tests::dense::sum(upper, lower, n)) << diagonal << broken;
+      expect_silent([&] { csr_matrix_sum(mat2, pattern(n, columns_of(lower)), mat3); });
+      EXPECT_EQ(columns_of(mat3), columns_of(tests::dense::sum(upper, lower, n)));
+    }
+}
+
 TEST(Sum, AddsAShortRowThatFillsTheRoomThereIs) {
   entry_rows rows1(2);
   entry_rows rows2(2);
