@@ -76,9 +76,9 @@ bool row_starts_from_ordered(csr_matrix& mat, const std::int32_t* rows, std::int
   return true;
 }
 
-// The matrix, if the lists are in row order; false, and nothing decided, if not. What the cache will
-// not hold is copied past it, while the row numbers are read: 1.15 times as fast in fresh memory,
-// 1.5 to 1.7 times in recycled memory.
+// The matrix, if the lists are in row order; false, and nothing decided, if not. What the cache
+// will not hold is copied past it, while the row numbers are read: 1.15 times as fast in fresh
+// memory, 1.5 to 1.7 times in recycled memory.
 bool copied_in_row_order(csr_matrix& mat, const std::int32_t* rows, const std::int32_t* columns,
                          const double* values, std::int32_t nnz) {
   std::int32_t* const new_columns = mat.ja.data();

@@ -263,7 +263,8 @@ class filling {
     for (std::int32_t k = 0; k < length; ++k) sums[k] = values[k] + others[k];
   }
 
-  // Such rows, if they ascend and lie apart: 1.1 to 1.45 times as fast as compared column by column.
+  // Such rows, if they ascend and lie apart: 1.1 to 1.45 times as fast as compared column by
+  // column.
   std::int32_t add_apart(const operand& one, stretch row, const operand& other, stretch other_row,
                          std::int32_t first) const {
     if (row.length < 1 || other_row.length < 1) return 0;
