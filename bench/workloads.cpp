@@ -312,6 +312,20 @@ matrix half_redrawn(const matrix& of, std::uint64_t seed) {
   return a;
 }
 
+matrix lower_triangle(const matrix& of) {
+  matrix a = with_rows(of.n, of.m, of.columns.size());
+  for (std::size_t i = 0; i + 1 < of.starts.size(); ++i) {
+    for (auto k = static_cast<std::size_t>(of.starts[i] - 1);
+         k + 1 < static_cast<std::size_t>(of.starts[i + 1]); ++k)
+      if (of.columns[k] <= static_cast<std::int32_t>(i + 1)) {
+        a.columns.push_back(of.columns[k]);
+        a.values.push_back(of.values[k]);
+      }
+    end_row(a);
+  }
+  return a;
+}
+
 namespace {
 
 // One entry of 1 a row, in the column of its aggregate.

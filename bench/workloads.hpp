@@ -52,6 +52,9 @@ matrix repeated_entries(const matrix& of, std::uint64_t seed = 1);
 // One of two columns drawn anew, those that a row has twice then left out.
 matrix half_redrawn(const matrix& of, std::uint64_t seed);
 
+// The entries on and below the diagonal.
+matrix lower_triangle(const matrix& of);
+
 // Every 8 neighbours of a cube (4 of a square, `block` consecutive rows) make one coarse point.
 matrix aggregates_of_square(std::int32_t side);
 matrix aggregates_of_cube(std::int32_t side);

@@ -12,7 +12,10 @@ operation symmetrize() {
   of.workloads = {on("5-point", five_point_rows(), 1e6, 2.2),
                   on("7-point", seven_point_rows(), 1e6, 2.2),
                   on("27-point", twenty_seven_point_rows(), 262144, 1.3),
-                  on("triangles", triangle_rows(), 1e6, 0), on("random", random_rows(), 1e6, 1.4)};
+                  on("triangles", triangle_rows(), 1e6, 0),
+                  on("triangles, lower half", triangle_rows(), 1e6, 0,
+                     [](problem& p) { p.a = lower_triangle(p.a); }),
+                  on("random", random_rows(), 1e6, 1.4)};
   of.plain = [](const problem& p) {
     return makes([&p] { return plain::symmetrize(p.a); }, matrix_answer);
   };
