@@ -78,7 +78,7 @@ bool rows_lie_apart(const operand& one, const operand& other, std::int64_t n) {
     ++met;
     if (columns[row.length - 1] <= others[0] || others[other_row.length - 1] <= columns[0]) ++apart;
   }
-  return met > 0 && apart > met - met / 8;
+  return met > 0 && apart >= met - met / 8;
 }
 
 // The columns of row i not counted yet; mark(j) is the last row in which column j was.
@@ -168,35 +168,24 @@ class filling {
   }
 
   // Such rows need no marker, and are copied and added up as one. Where all rows are such, 1.2 to 2
-  // times as fast as row by row.
+  // times as fast as row by row; past the cache 1.05 to 1.25 times as fast in recycled memory.
   std::int32_t add_equal(const operand& one, const operand& other, std::int64_t i,
-                         std::int64_t last, std::int32_t first) const {
+                         std::int64_t last, std::int32_t first, bool past_cache = false) const {
     const std::int32_t from = one.starts[i - 1] - 1;
     const std::int32_t length = one.starts[last] - 1 - from;
-    std::copy_n(one.columns + from, length, columns_ + (first - 1));
+    std::int32_t* const columns = columns_ + (first - 1);
+    if (past_cache)
+      copy_past_cache(one.columns + from, length, columns);
+    else
+      std::copy_n(one.columns + from, length, columns);
     if (values_ == nullptr) return first + length;
     const double* const values = one.values + from;
     const double* const others = other.values + (other.starts[i - 1] - 1);
-    add(values, others, length, values_ + (first - 1));
+    if (past_cache)
+      add_past_cache(values, others, length, values_ + (first - 1));
+    else
+      add(values, others, length, values_ + (first - 1));
     return first + length;
-  }
-
-  // The same past the cache: in recycled memory 1.05 to 1.25 times as fast.
-  void add_equal_past_cache(const operand& one, const operand& other, std::int64_t i,
-                            std::int64_t last, std::int32_t first) const {
-    const std::int32_t from = one.starts[i - 1] - 1;
-    const std::int32_t length = one.starts[last] - 1 - from;
-    copy_past_cache(one.columns + from, length, columns_ + (first - 1));
-    if (values_ == nullptr) return;
-    const double* const values = one.values + from;
-    const double* const others = other.values + (other.starts[i - 1] - 1);
-    constexpr std::int32_t at_a_time = 512;
-    std::array<double, at_a_time> sums;
-    for (std::int32_t k = 0; k < length; k += at_a_time) {
-      const std::int32_t some = std::min(at_a_time, length - k);
-      add(values + k, others + k, some, sums.data());
-      copy_past_cache(sums.data(), some, values_ + (first - 1 + k));
-    }
   }
 
  private:
@@ -261,6 +250,17 @@ class filling {
   static void add(const double* values, const double* others, std::int32_t length,
                   double* __restrict sums) {
     for (std::int32_t k = 0; k < length; ++k) sums[k] = values[k] + others[k];
+  }
+
+  static void add_past_cache(const double* values, const double* others, std::int32_t length,
+                             double* sums) {
+    constexpr std::int32_t at_a_time = 512;
+    std::array<double, at_a_time> some_sums;
+    for (std::int32_t k = 0; k < length; k += at_a_time) {
+      const std::int32_t some = std::min(at_a_time, length - k);
+      add(values + k, others + k, some, some_sums.data());
+      copy_past_cache(some_sums.data(), some, sums + k);
+    }
   }
 
   // Such rows, if they ascend and lie apart: 1.1 to 1.45 times as fast as compared column by
@@ -336,10 +336,7 @@ void fill_rows(const operand first, const operand second, csr_matrix& sum, std::
   for (std::int64_t i = 1; i <= n; i += at_a_time) {
     const std::int64_t last = std::min(i + at_a_time - 1, n);
     if (Rule::looks_at_rows && rows.are_equal(first, second, i, last)) {
-      if (past_cache)
-        rows.add_equal_past_cache(first, second, i, last, starts[i - 1]);
-      else
-        rows.add_equal(first, second, i, last, starts[i - 1]);
+      rows.add_equal(first, second, i, last, starts[i - 1], past_cache);
       const std::int32_t moved = starts[i - 1] - first.starts[i - 1];
       for (std::int64_t row = i; row <= last; ++row) starts[row] = first.starts[row] + moved;
       continue;

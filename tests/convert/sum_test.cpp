@@ -290,7 +290,7 @@ TEST(Sum, AddsMatricesLargerThanTheCache) {
   entry_rows expected = rows;
   for (std::size_t i = 0; i < rows.size(); ++i) {
     for (std::size_t k = 0; k < rows[i].size(); ++k) {
-      others[i][k].value = 0.3 - rows[i][k].value;
+      others[i][k].value = 0.3 * rows[i][k].value;
       expected[i][k].value = rows[i][k].value + others[i][k].value;
     }
     if (i % 61 != 0) continue;
@@ -367,7 +367,6 @@ TEST(Sum, AddsShortRowsThatShareSomeColumns) {
   }
 }
 
-// The last row is one entry of the sum, so that there is no slot to spare behind the first.
 // Rows of a lower and of an upper triangle, which share the diagonal or nothing, either way around;
 // in some matrices one row in twenty does not ascend, or ends in the columns of the other.
 TEST(Sum, AddsRowsThatLieOneBehindTheOther) {
@@ -401,6 +400,7 @@ TEST(Sum, AddsRowsThatLieOneBehindTheOther) {
     }
 }
 
+// The last row is one entry of the sum, so that there is no slot to spare behind the first.
 TEST(Sum, AddsAShortRowThatFillsTheRoomThereIs) {
   entry_rows rows1(2);
   entry_rows rows2(2);
