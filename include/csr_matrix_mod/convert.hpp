@@ -23,7 +23,8 @@ namespace csr_matrix_mod {
 /// Ensures: `mat_t` has ncol rows (m of `mat` if absent), as many columns as `mat` has rows, and
 /// the kind of `mat`. Every row is sorted; entries that share row and column keep their order.
 /// Capacity is exactly the number of entries (1 if there are none).
-/// Cost: O(n + ncol + entries); no temporaries.
+/// Cost: O(n + ncol + entries); where columns scatter over more than the cache holds, room for less
+/// than a fifth of the entries as temporaries.
 /// Stops: as `csr_matrix_initial` and `csr_matrix_allocate`; where rows share storage,
 /// "csr_matrix_transpose: COUNT entries do not fit, at most 2147483646". Warns as
 /// `csr_matrix_allocate` when there are no entries.
@@ -80,7 +81,8 @@ void csr_matrix_sum_nodiag(const csr_matrix& mat1, const csr_matrix& mat2, csr_m
 /// Ensures: `mat` has m columns (the largest of col(1..nnz) if absent, 0 if there are no entries)
 /// and the given kind (values if absent). Each row keeps the order of the lists; a pair that is
 /// given twice stands there twice. Capacity is exactly nnz (1 if nnz is 0 or less).
-/// Cost: O(n + nnz); no temporaries.
+/// Cost: O(n + nnz); where rows scatter over more than the cache holds, room for less than a fifth
+/// of the entries as temporaries.
 /// Stops: "coo_to_csr_format: COUNT entries do not fit, at most 2147483646"; as
 /// `csr_matrix_initial` and `csr_matrix_allocate`. Warns as `csr_matrix_allocate` when nnz is 0 or
 /// less.

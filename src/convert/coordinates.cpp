@@ -4,6 +4,7 @@
 #include "../support/entry_count.hpp"
 #include "../support/past_cache.hpp"
 #include "../support/stop.hpp"
+#include "row_buckets.hpp"
 #include "scatter.hpp"
 
 #include <csr_matrix_mod/convert.hpp>
@@ -42,6 +43,13 @@ std::int32_t largest(const std::int32_t* columns, std::int32_t nnz) {
   for (const lanes& part : most)
     for (std::int32_t lane = 0; lane < width; ++lane) result = std::max(result, part[lane]);
   return result;
+}
+
+// The bits of all columns, counted from 0.
+std::uint32_t column_bits(const std::int32_t* columns, std::int32_t nnz) {
+  std::uint32_t bits = 0;
+  for (std::int32_t k = 0; k < nnz; ++k) bits |= static_cast<std::uint32_t>(columns[k] - 1);
+  return bits;
 }
 
 // Row starts from lists in row order: the last entry of a row says where the next row starts. The
@@ -140,16 +148,22 @@ void coo_to_csr_format(std::int32_t n, std::int32_t nnz, array_view<const std::i
   csr_matrix_allocate(mat, nnz);
   if (nnz > 0 && copied_in_row_order(mat, rows, columns, values, nnz)) return;
 
+  // In list order, so that each row keeps the order of the lists.
+  const auto for_each_entry = [=](const auto& put) {
+    for (std::int32_t k = 1; k <= nnz; ++k) put(k, columns[k - 1]);
+  };
+  if (row_buckets::are_worth_it(rows, nnz)) {
+    row_buckets buckets(mat, rows, nnz, column_bits(columns, nnz));
+    if (buckets.count()) return buckets.fill_rows(values, for_each_entry);
+  }
+
   // Count the entries of each row; the row starts follow.
   std::int32_t* const cursor = mat.ia.data();
   std::fill(mat.ia.begin(), mat.ia.end(), 0);
   for (std::int32_t k = 1; k <= nnz; ++k) ++cursor[rows[k - 1] - 1];
   row_starts_from_counts(mat);
 
-  // Fill in list order, so that each row keeps the order of the lists.
-  scatter(rows, nnz, values, cursor, mat.ja.data(), mat.a.data(), [=](const auto& put, bool) {
-    for (std::int32_t k = 1; k <= nnz; ++k) put(k, columns[k - 1]);
-  });
+  scatter(rows, values, cursor, mat.ja.data(), mat.a.data(), for_each_entry);
   row_starts_from_cursors(mat);
 }
 

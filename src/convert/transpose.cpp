@@ -5,6 +5,7 @@
 #include "../support/entry_count.hpp"
 #include "../support/prefetch.hpp"
 #include "mirror_image.hpp"
+#include "row_buckets.hpp"
 #include "scatter.hpp"
 
 #include <csr_matrix_mod/convert.hpp>
@@ -21,6 +22,10 @@ namespace {
 
 constexpr std::string_view routine = "csr_matrix_transpose";
 
+const double* values_of(const csr_matrix& mat) {
+  return mat.type == matrix_real ? mat.a.data() : nullptr;
+}
+
 // Asks for memory some entries ahead of each row: for its own entries, and for those of the
 // transpose behind the one to which its last column leads, which no row has led to before. That
 // pays where columns are near those of the rows before: triangles of stencils and stencils that
@@ -30,7 +35,7 @@ class rows_to_come {
  public:
   rows_to_come(const csr_matrix& mat, const csr_matrix& mat_t, std::int32_t stored)
       : columns_(mat.ja.data()),
-        values_(mat.type == matrix_real ? mat.a.data() : nullptr),
+        values_(values_of(mat)),
         cursor_(mat_t.ia.data()),
         new_columns_(mat_t.ja.data()),
         new_values_(mat_t.a.data()),
@@ -93,34 +98,49 @@ void scatter_in_steps(const csr_matrix& mat, csr_matrix& mat_t, Values values) {
   }
 }
 
-// Rows are visited in order, so every row of the transpose comes out sorted. Rows may share their
-// storage, so that fewer entries are stored than visited.
+// Rows are visited in order, so every row of the transpose comes out sorted.
+template <class BeforeRow, class Put>
+void for_each_entry(const csr_matrix& mat, const BeforeRow& before_row, const Put& put) {
+  const std::int32_t* const starts = mat.ia.data();
+  const std::int32_t n = mat.n;
+  // Row starts are kept, not read again: what is written to a cursor may look like them to the
+  // processor, which then waits (triangles of stencils took 1.15 times as long).
+  std::int32_t start = n > 0 ? starts[0] : 1;
+  for (std::int64_t i = 1; i <= n; ++i) {
+    const std::int32_t next_row = starts[i];
+    before_row(start, next_row);
+    for (std::int32_t k = start; k < next_row; ++k) put(k, static_cast<std::int32_t>(i));
+    start = next_row;
+  }
+}
+
+// Rows may share their storage, so that fewer entries are stored than visited.
 void scatter_rows(const csr_matrix& mat, csr_matrix& mat_t, std::int32_t stored) {
-  const double* const values = mat.type == matrix_real ? mat.a.data() : nullptr;
+  const double* const values = values_of(mat);
   if (are_short_and_surprise(mat))
     return values != nullptr ? scatter_in_steps(mat, mat_t, values)
                              : scatter_in_steps(mat, mat_t, nullptr);
-  const std::int32_t* const starts = mat.ia.data();
-  const std::int32_t n = mat.n;
-  const auto for_each_row = [=](const auto& put, const auto& before_row) {
-    // Row starts are kept, not read again: what is written to a cursor may look like them to the
-    // processor, which then waits (triangles of stencils took 1.15 times as long).
-    std::int32_t start = n > 0 ? starts[0] : 1;
-    for (std::int64_t i = 1; i <= n; ++i) {
-      const std::int32_t next_row = starts[i];
-      before_row(start, next_row);
-      for (std::int32_t k = start; k < next_row; ++k) put(k, static_cast<std::int32_t>(i));
-      start = next_row;
-    }
-  };
   const rows_to_come ask_for(mat, mat_t, stored);
-  scatter(mat.ja.data(), stored, values, mat_t.ia.data(), mat_t.ja.data(), mat_t.a.data(),
-          [&](const auto& put, bool memory_is_asked_for) {
-            if (memory_is_asked_for)
-              for_each_row(put, [](std::int32_t, std::int32_t) {});
-            else
-              for_each_row(put, ask_for);
-          });
+  scatter(mat.ja.data(), values, mat_t.ia.data(), mat_t.ja.data(), mat_t.a.data(),
+          [&](const auto& put) { for_each_entry(mat, ask_for, put); });
+}
+
+// Columns that scatter all over. False, with nothing decided, where they do not, and where there
+// may be other entries than those in a row.
+bool transposed_in_buckets(const csr_matrix& mat, csr_matrix& mat_t) {
+  if (mat.n < 1 || mat.ia(1) != 1) return false;
+  const std::int32_t nnz = csr_matrix_num_nz(mat);
+  const std::int32_t* const columns = mat.ja.data();
+  if (nnz > mat.ja.length() || !row_buckets::are_worth_it(columns, nnz) || !rows_follow(mat))
+    return false;
+  if (!mat_t.ja.allocated()) csr_matrix_allocate(mat_t, nnz);
+  row_buckets buckets(mat_t, columns, nnz, static_cast<std::uint32_t>(mat.n - 1));
+  if (!buckets.count()) return false;
+  buckets.fill_rows(values_of(mat), [&](const auto& put) {
+    for_each_entry(
+        mat, [](std::int32_t, std::int32_t) {}, put);
+  });
+  return true;
 }
 
 struct values_change_places : values_meet {
@@ -158,6 +178,7 @@ void csr_matrix_transpose(const csr_matrix& mat, csr_matrix& mat_t,
     csr_matrix_allocate(mat_t, csr_matrix_num_nz(mat));
     if (mirrored(mat, mat_t)) return;
   }
+  if (transposed_in_buckets(mat, mat_t)) return;
 
   // Count: a column of the matrix is a row of its transpose.
   std::fill(mat_t.ia.begin(), mat_t.ia.end(), 0);
