@@ -24,6 +24,7 @@ class short_rows {
   // Compares the columns of `one` with those of `other`. False where one of them does not ascend.
   [[nodiscard]] bool compare(const std::int32_t* one, std::int32_t length,
                              const std::int32_t* other, std::int32_t other_length) noexcept {
+    if (any(descents(one, length) | descents(other, other_length))) return false;
     lanes shared{};
     for (std::int32_t first = 0; first < other_length; first += width) {
       const lanes columns = load(other + first);
@@ -39,7 +40,7 @@ class short_rows {
       shared |= equal;
     }
     may_share_ = any(shared);
-    return !any(descents(one, length) | descents(other, other_length));
+    return true;
   }
 
   // Do the columns of a short row ascend?
