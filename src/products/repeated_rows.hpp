@@ -21,7 +21,9 @@
 #include "spread_rows.hpp"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
+#include <memory>
 
 namespace csr_matrix_mod::products {
 
@@ -67,6 +69,7 @@ class repeated_rows : public walk_alone {
   static constexpr std::int32_t worthwhile = 8;
   static constexpr std::int32_t few = 6;            // fewer rows are faster one by one
   static constexpr std::int64_t least_room = 2048;  // that of stencils of 5 or 7 points
+  static constexpr std::int64_t a_line = cache_line / sizeof(double);
 
   // The pattern of row i, which was walked, if it is worth its room: where rows repeat it, or where
   // rows like it were met before.
@@ -85,9 +88,17 @@ class repeated_rows : public walk_alone {
   [[nodiscard]] bool find_room(const row_pattern& of) noexcept {
     if constexpr (!Values::stored) return true;
     const std::int64_t wanted =
-        of.right_elements + rows_at_once * (of.entries + 2 * std::int64_t{of.width}) + 1;
+        of.right_elements + rows_at_once * (of.entries + 2 * std::int64_t{of.width}) + a_line;
     return wanted <= room_.length() ||
            room_.allocate(std::max(wanted, least_room), contents::undefined);
+  }
+
+  // Where the first line of the cache begins in the room: lanes that are loaded from two lines take
+  // longer. In fresh memory A A of 101 diagonals is 1.15 times as fast, of 27 points 1.05 times.
+  [[nodiscard]] double* first_line() const noexcept {
+    void* first = room_.data();
+    std::size_t bytes = static_cast<std::size_t>(room_.length()) * sizeof(double);
+    return static_cast<double*>(std::align(cache_line, sizeof(double), first, bytes));
   }
 
   // The rows after `row` that repeat it.
@@ -177,7 +188,7 @@ class repeated_rows : public walk_alone {
     prefetch_for_writing(columns_ + next, std::min(stored, room_for_columns_ - next));
     if constexpr (Values::stored) {
       constexpr std::int64_t all = rows_at_once;
-      double* const left = room_.data();
+      double* const left = first_line();
       double* const sums = left + all * of.entries;
       double* const right = sums + all * of.width;
       prefetch_for_writing(values_.ac + pos, stored);
