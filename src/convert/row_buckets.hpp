@@ -3,7 +3,7 @@
 // and from there into the rows, a bucket at a time, which the cache holds. Entries that go to rows
 // all over a large matrix would wait for memory one by one if they were put there at once, even if
 // it were asked for ahead: shuffled lists become rows 1.5 to 1.8 times as fast, random columns are
-// transposed 1.5 to 1.7 times as fast, those of R-MAT 1 to 1.3 times (2 million entries) and 1.7
+// transposed 1.5 to 1.7 times as fast, those of R-MAT 0.9 to 1.3 times (2 million entries) and 1.7
 // times (8 million).
 #pragma once
 
