@@ -28,6 +28,8 @@ csr_matrix copy_of(const csr_matrix& mat) {
 // Products and sums large enough for whatever is done for large ones alone.
 csr_matrix large_grid(kind values) { return five_point(420, 400, values); }
 csr_matrix large_scatter(kind values) { return unsorted(60000, 60000, 9, values, 6); }
+// So many entries all over that they are put into rows by way of buckets.
+csr_matrix all_over(kind values) { return unsorted(70000, 60000, 26, values, 35); }
 // So many short rows that where they end is not foreseen.
 csr_matrix many_short_rows(kind values) { return unsorted(20000, 3000, 3, values, 34); }
 
@@ -265,6 +267,9 @@ void convert_routines(report& results) {
   for (const kind values : {kind::even, kind::pattern}) {
     csr_matrix_transpose(many_short_rows(values), wide_transpose);
     results["csr_matrix_transpose"].add(wide_transpose);
+    csr_matrix_transpose(all_over(values), wide_transpose);
+    results["csr_matrix_transpose"].add(wide_transpose);
+    coordinate_lists(results, all_over(values));
   }
 }
 
