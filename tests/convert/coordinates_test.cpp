@@ -307,7 +307,7 @@ TEST(FromCoordinates, FindsTheRowsWithoutEntries) {
   }
 }
 
-// Large enough to look ahead: rows far apart, and rows near those of the entries before.
+// Larger than the cache: rows far apart, and rows near those of the entries before.
 TEST(FromCoordinates, DealsLongListsOut) {
   constexpr std::int32_t n = 20011;
   integers scattered;

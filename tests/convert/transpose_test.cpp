@@ -219,8 +219,8 @@ RC_GTEST_PROP(TransposeProperty, OfASymmetricPatternIsTheOneCountedToo, ()) {
   expect_transpose(rows, n);
 }
 
-// Large enough to look ahead: columns far apart, those of a symmetric pattern too, columns near
-// those of the rows before, and a symmetric pattern near the diagonal.
+// Larger than the cache: columns far apart, those of a symmetric pattern too, columns near those of
+// the rows before, and a symmetric pattern near the diagonal.
 TEST(Transpose, OfALargeMatrixHoldsEveryEntryInItsColumn) {
   constexpr std::int32_t n = 20011;
   entry_rows scattered(n);
