@@ -3,6 +3,7 @@
 #pragma once
 
 #include "../support/scratch.hpp"
+#include "column_ranks.hpp"
 #include "near_columns.hpp"
 
 #include <csr_matrix_mod/csr_matrix.hpp>
@@ -20,10 +21,10 @@
 namespace csr_matrix_mod {
 
 // Short rows are sorted by counting for each entry those with a smaller column, longer ones by the
-// slots of their columns if these lie near each other, else by radix; none of it branches on a
+// bits of their columns if these lie near each other, else by radix; none of it branches on a
 // comparison, half of which a processor guesses wrong. Against a sort by comparison of each row, 10
-// times as fast for 5 points a row, 9 for 27, 12 for 8 random columns, 16 for a band, 7 for R-MAT;
-// where a third of the columns are repeated, 1.4 to 5 times.
+// times as fast for 5 points a row, 11 for 27, 12 for 8 random columns, 16 for a band, 10 for
+// R-MAT; where a third of the columns are repeated, 1.4 to 5 times.
 class row_sorter {
  public:
   // Stops with "allocation error in ROUTINE" when there is no room for `longest` entries.
@@ -43,18 +44,26 @@ class row_sorter {
     if (length <= 8) return sort_by_rank<8>(start - 1, length, q);
     if (length <= 16) return sort_by_rank<16>(start - 1, length, q);
     if (length <= 24) return sort_by_rank<24>(start - 1, length, q);
-    if (length <= 32) return sort_by_rank<32>(start - 1, length, q);
-    if (sort_near_columns(start - 1, length, q - 1)) return length;
-    if (length <= 48) return sort_by_rank<48>(start - 1, length, q);
-    if (length <= most_ranked) return sort_by_rank<std::size_t{most_ranked}>(start - 1, length, q);
-    return sort_by_radix(start - 1, length, q);
+    return sort_long(start - 1, length, q);
   }
 
  private:
-  static constexpr std::int32_t most_ranked = 64;
+  static constexpr std::size_t most_ranked = 128;
+  static constexpr std::size_t ranked_in_place = 24;
   static constexpr std::uint32_t sign = 0x80000000U;  // makes unsigned columns compare as signed
   static constexpr int widest_digit = 11;             // bits
-  using four = std::int32_t __attribute__((vector_size(16)));
+
+  // A row of more than 24 entries. For itself, so that what short rows pass through stays small.
+  [[gnu::noinline]] std::int32_t sort_long(std::int32_t from, std::int32_t length, std::int32_t q) {
+    if (length <= 32) return sort_by_rank<32>(from, length, q);
+    const bool pattern = values_ == nullptr;
+    if (near_(columns_ + from, pattern ? nullptr : values_ + from, length, keys_.data(),
+              unsorted_values_.data(), columns_ + (q - 1), pattern ? nullptr : values_ + (q - 1)))
+      return length;
+    if (length > ranks_.longest) return sort_by_radix(from, length, q);
+    return length <= 64 ? sort_by_rank<64>(from, length, q)
+                        : sort_by_rank<most_ranked>(from, length, q);
+  }
 
   // A row of up to `Room` entries. So many are loaded and compared whatever its length, as long as
   // that many are stored, so that no call of a copy and few loops depend on where it ends.
@@ -70,50 +79,17 @@ class row_sorter {
       if (values_ != nullptr) std::copy_n(values_ + from, length, value);
     }
     std::int32_t place[Room];
-    if (!rank<Room>(column, length, place)) return merge_by_rank(column, place, value, length, q);
+    bool different = false;
+    if constexpr (Room <= ranked_in_place)
+      different = rank_columns<16>(column, length, Room, place);
+    else
+      different = ranks_.rank(column, length, place);
+    if (!different) return merge_by_rank(column, place, value, length, q);
     for (std::int32_t k = 0; k < length; ++k) {
       columns_[q + place[k] - 1] = column[k];
       if (values_ != nullptr) values_[q + place[k] - 1] = value[k];
     }
     return length;
-  }
-
-  bool sort_near_columns(std::int32_t from, std::int32_t length, std::int32_t to) {
-    const bool pattern = values_ == nullptr;
-    return near_columns::sort(columns_ + from, pattern ? nullptr : values_ + from, length,
-                              unsorted_values_.data(), columns_ + to,
-                              pattern ? nullptr : values_ + to);
-  }
-
-  // For each column, how many of the row are smaller, eight columns at a time in vector registers.
-  // Are all different, and their places 0, 1, 2 and so on?
-  template <std::size_t Room>
-  static bool rank(const std::int32_t* column, std::int32_t length, std::int32_t* place) {
-    constexpr four first_lanes = {0, 1, 2, 3};
-    const four end = {length, length, length, length};
-    four total{};
-    four lane = first_lanes;
-    for (std::size_t first = 0; first < Room; first += 8) {
-      four low;
-      four high;
-      std::memcpy(&low, column + first, sizeof low);
-      std::memcpy(&high, column + first + 4, sizeof high);
-      four below_low{};
-      four below_high{};
-      for (std::int32_t k = 0; k < length; ++k) {
-        const four other = {column[k], column[k], column[k], column[k]};
-        below_low -= other < low;
-        below_high -= other < high;
-      }
-      std::memcpy(place + first, &below_low, sizeof below_low);
-      std::memcpy(place + first + 4, &below_high, sizeof below_high);
-      const four in_low = lane < end;
-      lane += 4;
-      const four in_high = lane < end;
-      lane += 4;
-      total += (below_low & in_low) + (below_high & in_high);
-    }
-    return total[0] + total[1] + total[2] + total[3] == length * (length - 1) / 2;
   }
 
   // Equal columns share a place, and the places behind it stay free. A sum starts at -0.0, which
@@ -207,6 +183,8 @@ class row_sorter {
   std::int32_t* columns_;
   std::int32_t stored_;  // entries
   double* values_;
+  near_columns& near_ = sort_near_columns();
+  const column_ranks& ranks_ = ranks_in_widest_registers();
   scratch<std::uint64_t> keys_;
   scratch<std::uint64_t> other_keys_;
   scratch<double> unsorted_values_;

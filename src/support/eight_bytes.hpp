@@ -51,11 +51,4 @@ constexpr std::uint64_t bits_below_lowest(std::uint64_t word) noexcept {
   return (word - 1) & ~word;
 }
 
-// Bit k for byte k, of bytes that are 0 or 1.
-constexpr std::uint64_t bit_of_each(std::uint64_t bytes) noexcept {
-  return bytes * 0x0102040810204080U >> 56;
-}
-
-static_assert(bit_of_each(0x0100010000000001U) == 0xa1);
-
 }  // namespace csr_matrix_mod

@@ -12,8 +12,8 @@ std::atomic<registers> current_limit{registers::of_64_bytes};
 
 registers of_this_machine() noexcept {
 #if CSR_MATRIX_MOD_WIDE_REGISTERS
-  const bool wide = __builtin_cpu_supports("avx2") != 0;
-  const bool widest = __builtin_cpu_supports("avx512f") != 0;
+  const bool wide = __builtin_cpu_supports("avx2") != 0 && __builtin_cpu_supports("popcnt") != 0;
+  const bool widest = wide && __builtin_cpu_supports("avx512f") != 0;
   return widest ? registers::of_64_bytes : wide ? registers::of_32_bytes : registers::of_16_bytes;
 #else
   return registers::of_16_bytes;

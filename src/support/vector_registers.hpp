@@ -23,6 +23,7 @@ struct vector_of {
   typedef double type __attribute__((vector_size(Bytes)));  // NOLINT(modernize-use-using)
 };
 
+// Who has those of 32 bytes can count bits in one instruction too.
 enum class registers : std::uint8_t { of_16_bytes, of_32_bytes, of_64_bytes };
 
 // The widest that the processor and the system let a program use, 16 bytes where none are wider.

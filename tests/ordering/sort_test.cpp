@@ -2,6 +2,7 @@
 #include "../support/generators.hpp"
 #include "../support/observe.hpp"
 #include "../support/refusals.hpp"
+#include "../support/registers.hpp"
 
 #include <csr_matrix_mod/ordering.hpp>
 
@@ -9,7 +10,9 @@
 #include <rapidcheck/gtest.h>
 
 #include <algorithm>
+#include <iterator>
 #include <limits>
+#include <numeric>
 #include <random>
 
 namespace {
@@ -212,13 +215,15 @@ entry_rows sorted_one_by_one(entry_rows rows) {
 }
 
 void expect_sorted_one_by_one(std::int32_t m, const entry_rows& rows) {
-  csr_matrix mat = real_matrix(m, rows);
-  csr_matrix bare = pattern(m, columns_of(rows));
-  expect_silent([&] { csr_matrix_sort(mat); });
-  expect_silent([&] { csr_matrix_sort(bare); });
   const entry_rows expected = sorted_one_by_one(rows);
-  EXPECT_EQ(entries_of(mat), expected);
-  EXPECT_EQ(columns_of(bare), columns_of(expected));
+  tests::in_registers_of_every_width([&] {
+    csr_matrix mat = real_matrix(m, rows);
+    csr_matrix bare = pattern(m, columns_of(rows));
+    expect_silent([&] { csr_matrix_sort(mat); });
+    expect_silent([&] { csr_matrix_sort(bare); });
+    EXPECT_EQ(entries_of(mat), expected);
+    EXPECT_EQ(columns_of(bare), columns_of(expected));
+  });
 }
 
 // Rows of every length from 0 to 299 and some longer ones, in the order of a multiplicative walk.
@@ -243,28 +248,27 @@ TEST(Sort, OrdersRowsOfEveryLengthAsOneByOne) {
 // `length` different columns of the `spread` from `low` on, the first and the last among them, in
 // no order.
 std::vector<entry> near_row(std::int32_t length, std::int32_t spread, std::int32_t low) {
-  std::vector<std::int32_t> columns;
-  for (std::int32_t k = 0; k < spread; ++k) columns.push_back(low + k);
+  integers between(static_cast<std::size_t>(spread - 2));
+  std::iota(between.begin(), between.end(), low + 1);
   std::minstd_rand walk(static_cast<unsigned>(length + spread));
-  std::swap(columns[1], columns.back());
-  std::shuffle(columns.begin() + 2, columns.end(), walk);
-  columns.resize(static_cast<std::size_t>(length));
+  integers columns{low, low + (spread - 1)};
+  std::sample(between.begin(), between.end(), std::back_inserter(columns), length - 2, walk);
   std::shuffle(columns.begin(), columns.end(), walk);
   std::vector<entry> row;
   for (const std::int32_t column : columns) row.push_back({column, 1.0 / (column % 1013 + 1)});
   return row;
 }
 
-// The last of them spread a column further than others, one has a column twice, one a column at the
+// Some of them spread a column further than others, one has a column twice, one a column at the
 // other end of the matrix.
 TEST(Sort, OrdersRowsWhoseColumnsLieNearEachOther) {
   constexpr std::int32_t m = std::numeric_limits<std::int32_t>::max();
   entry_rows rows;
-  for (const std::int32_t length : {33, 40, 48, 49, 64, 65, 100, 511, 512, 513, 600, 4096, 4097})
+  for (const std::int32_t length : {33, 48, 64, 65, 100, 128, 129, 511, 512, 513, 4096, 4097})
     for (const std::int32_t spread :
-         {length, length + 1, 64 * ((length + 63) / 64), 2 * length, 8 * length - 1, 8 * length,
-          8 * length + 1, 4095, 4096, 4097}) {
-      if (spread < length) continue;
+         {length, length + 1, 64 * ((length + 63) / 64), 1024, 1025, 16 * length, 16 * length + 1,
+          128 * length, 128 * length + 1, 65535, 65536, 65537}) {
+      if (spread < length || spread > 128 * length + 1 || spread > 65537) continue;
       rows.push_back(near_row(length, spread, 1));
       rows.push_back(near_row(length, spread, m - spread + 1));
       for (const std::size_t k : {std::size_t{1}, rows.back().size() / 3, rows.back().size() - 1}) {
