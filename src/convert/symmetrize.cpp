@@ -11,11 +11,10 @@ namespace csr_matrix_mod {
 
 namespace {
 
-// Is the pattern symmetric? No where there is no room to find out. Then the transpose need not be
-// built: twice as fast for 5 and 7 points a row, 1.6 times for 27.
+// Is the pattern, which may pair up, symmetric? No where there is no room to find out. Then the
+// transpose need not be built: twice as fast for 5 and 7 points a row, 1.6 times for 27.
 template <class Meet>
 bool is_its_own_mirror_image(const csr_matrix& mat, const Meet meet) {
-  if (!may_pair_up(mat, mat.m)) return false;
   scratch<std::int32_t> cursor;
   if (!cursor.allocate(mat.n, contents::undefined)) return false;
   return pairs_up(mat, cursor.data(), meet);
@@ -31,6 +30,7 @@ struct values_add_up : values_meet {
 
 // The sum with the transpose; false, and nothing decided, where it has to be built.
 bool added_to_mirror_image(const csr_matrix& mat, csr_matrix& total) {
+  if (!may_pair_up(mat, mat.m)) return false;
   csr_matrix sums;
   if (mat.type == matrix_structure_only) {
     if (!is_its_own_mirror_image(mat, no_values_meet{})) return false;
@@ -52,6 +52,7 @@ bool added_to_mirror_image(const csr_matrix& mat, csr_matrix& total) {
 // The union with the pattern of the transpose, no diagonal; what it lacks of it is nothing, if it
 // is its own mirror image.
 bool united_with_mirror_image(const csr_matrix& mat, csr_matrix& total) {
+  if (!may_pair_up(mat, mat.m)) return false;
   if (!is_its_own_mirror_image(mat, no_values_meet{})) return false;
   csr_matrix nothing;
   csr_matrix_initial(mat.n, nothing, mat.m, mat.type);

@@ -114,10 +114,11 @@ void for_each_entry(const csr_matrix& mat, const BeforeRow& before_row, const Pu
   }
 }
 
-// Rows may share their storage, so that fewer entries are stored than visited.
+// Rows may share their storage, so that fewer entries are stored than visited, and what stands
+// behind a row may have its place already.
 void scatter_rows(const csr_matrix& mat, csr_matrix& mat_t, std::int32_t stored) {
   const double* const values = values_of(mat);
-  if (are_short_and_surprise(mat))
+  if (are_short_and_surprise(mat) && rows_follow(mat))
     return values != nullptr ? scatter_in_steps(mat, mat_t, values)
                              : scatter_in_steps(mat, mat_t, nullptr);
   const rows_to_come ask_for(mat, mat_t, stored);

@@ -46,7 +46,7 @@ inline constexpr std::int32_t most_in_short_rows = 4;
 
 // As `entries_ahead`, but two entries are visited at a time, with -1 for each that is of the row
 // and 0 for one behind it. Rows near the end of the matrix, where nothing is behind them, are
-// visited one by one.
+// visited one by one; one that ends before it begins has no entry.
 template <std::int32_t step, class Values>
 class entries_in_steps : public entries_ahead<Values> {
  public:
@@ -56,7 +56,7 @@ class entries_in_steps : public entries_ahead<Values> {
   template <class Visit, class VisitTwo>
   [[gnu::always_inline]] inline void visit(std::int64_t /*i*/, std::int32_t first, std::int32_t end,
                                            const Visit& visit, const VisitTwo& visit_two) const {
-    if (end > last_end_) {
+    if (std::max(first, end) > last_end_) {
       for (std::int32_t k = first; k < end; ++k) visit(k);
       return;
     }

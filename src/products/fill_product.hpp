@@ -12,6 +12,7 @@
 #pragma once
 
 #include "path_values.hpp"
+#include "product_size.hpp"
 #include "product_walk.hpp"
 #include "repeated_rows.hpp"
 #include "row_repeats.hpp"
@@ -34,6 +35,8 @@ void fill_product(const csr_matrix& m1, const csr_matrix& m2, std::int32_t ncol,
                   const Values& values, const Path& path, std::int32_t* mark) {
   const operands of{m1.n, ncol, m1.ia, m1.ja, m2.ia, m2.ja};
   const product<Values> to{m3.ia, m3.ja, values};
+  if (!can_be_foreseen(m1, m2))
+    return store_entries<Diagonal>(of, to, path, mark, rows_by_starts{of.ib.data()}, walk_alone{});
   const row_repeats repeats(of, m2.n);
   if (repeats.worthwhile())
     return store_entries<Diagonal>(
@@ -59,7 +62,7 @@ void fill_product(const csr_matrix& m1, const csr_matrix& m2, std::int32_t ncol,
   };
   if (of_one)
     walk(rows_of_one{});
-  else if (of.n > 0 && paths_watched::are_worth_it(of.ia.data()[of.n] - 1))
+  else if (paths_watched::are_worth_it(of.ia.data()[of.n] - 1))
     walk(rows_by_starts{of.ib.data()}, paths_watched{});
   else
     walk(rows_by_starts{of.ib.data()});

@@ -87,9 +87,15 @@ std::int64_t most_entries(const csr_matrix& m1, const csr_matrix& m2, std::int32
 
 }  // namespace
 
+bool can_be_foreseen(const csr_matrix& m1, const csr_matrix& m2) {
+  if (m1.n < 1 || m2.n < 1 || csr_matrix_num_nz(m1) < 1) return false;
+  const bool of_one = m1.ia.data() == m2.ia.data() && m1.n >= m2.n;
+  return rows_follow(m1) && (of_one || rows_follow(m2));
+}
+
 std::int64_t most_product_entries(const csr_matrix& m1, const csr_matrix& m2, std::int32_t ncol,
                                   products::diagonal which) {
-  if (m1.n < 1 || m2.n < 1) return 0;
+  if (!can_be_foreseen(m1, m2)) return 0;
   const std::int64_t most = most_entries(m1, m2, ncol);
   return which == diagonal::kept ? exact_if_it_spares_pages<diagonal::kept>(m1, m2, ncol, most)
                                  : exact_if_it_spares_pages<diagonal::skipped>(m1, m2, ncol, most);

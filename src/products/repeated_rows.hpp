@@ -192,7 +192,7 @@ class repeated_rows : public walk_alone {
       double* const sums = left + all * of.entries;
       double* const right = sums + all * of.width;
       prefetch_for_writing(values_.ac + pos, stored);
-      turn_left(of, i, left);
+      turn_left(of, i, rows, left);
       turn_right(of, i, right);
       by_.sum(of.terms, of.ends, of.width, left, right, sums);
       if (whole) {
@@ -241,13 +241,16 @@ class repeated_rows : public walk_alone {
         std::min<std::int64_t>(std::int64_t{rows_at_once} * of.entries, right_end_ - next));
   }
 
-  void turn_left(const row_pattern& of, std::int64_t i, double* left) const noexcept {
+  // Where values are not those of the left rows, the ones of some rows from row i on alone are there.
+  void turn_left(const row_pattern& of, std::int64_t i, std::int32_t rows,
+                 double* left) const noexcept {
     if constexpr (Path::multiplies_values) {
       by_.turn(path_.a + (left_starts_[i - 1] - 1), rows_at_once, of.entries, left, rows_at_once);
     } else {
       for (std::int32_t k = 0; k < of.entries; ++k)
         for (std::int32_t x = 0; x < rows_at_once; ++x)
-          *left++ = path_.left(0, static_cast<std::int32_t>(i) + of.left_columns[k] + x);
+          *left++ = path_.left(
+              0, static_cast<std::int32_t>(i) + of.left_columns[k] + std::min(x, rows - 1));
     }
   }
 

@@ -96,6 +96,19 @@ TEST(Symmetrize, WarnsOfArraysThatTheRecordNeverHad) {
   EXPECT_EQ(entries_of(mat), entry_rows{});
 }
 
+TEST(Symmetrize, OfARecordThatHasNothingYetWarnsOfItsRowStartsToo) {
+  for (const auto symmetrize : {csr_matrix_symmetrize, csr_matrix_symmetrize_nodiag}) {
+    csr_matrix mat;
+    const auto seen = observe([&] { symmetrize(mat); });
+    EXPECT_EQ(seen.output, std::string(tests::no_entries_warning) + tests::no_entries_warning +
+                               "deallocation error in csr_matrix_deallocate1\n"
+                               "deallocation error in csr_matrix_deallocate3\n"
+                               "deallocation error in csr_matrix_deallocate2\n");
+    EXPECT_EQ(seen.stop, std::nullopt);
+    EXPECT_EQ(entries_of(mat), entry_rows{});
+  }
+}
+
 TEST(Symmetrize, StopsAtARectangularMatrixWithTheMessagesOfTheSum) {
   for (const auto symmetrize : {csr_matrix_symmetrize, csr_matrix_symmetrize_nodiag}) {
     const entry_rows rows{{{3, 1}}, {{1, 2}}};

@@ -5,6 +5,7 @@
 #include <rapidcheck/gtest.h>
 
 #include <limits>
+#include <numeric>
 
 using namespace csr_matrix_mod;
 using namespace tests;
@@ -99,6 +100,26 @@ TEST(GraphProduct, IgnoresWeightsThatNoPathLeadsOver) {
   const csr_matrix g1 = pattern(1, {{1}});
   const csr_matrix g2 = pattern(2, {{2}});
   EXPECT_EQ(entries_of(graph_product(g1, g2, {5, 6, 7})), (entry_rows{{{2, 5.0}}}));
+}
+
+// Rows that repeat are summed 16 at a time, also where fewer of them are left, and g2 has vertices
+// that no edge of g1 leads to.
+TEST(GraphProduct, ReadsNoWeightBehindTheLastColumnOfTheLeftGraph) {
+  constexpr std::int32_t columns = 43;
+  column_rows left;
+  for (std::int32_t i = 1; i <= 48; ++i) left.push_back({i <= 23 ? i + 20 : i - 23});
+  column_rows right;
+  for (std::int32_t j = 1; j <= 120; ++j) right.push_back({j, j + 1});
+  std::vector<std::int32_t> wgt(columns);
+  std::iota(wgt.begin(), wgt.end(), 1);
+  entry_rows expected;
+  for (std::int32_t i = 1; i <= 48; ++i) {
+    const std::int32_t j = left[static_cast<std::size_t>(i - 1)].front();
+    expected.emplace_back();
+    for (const std::int32_t k : {j, j + 1})
+      if (k != i) expected.back().push_back({k, static_cast<double>(j)});
+  }
+  EXPECT_EQ(entries_of(graph_product(pattern(columns, left), pattern(121, right), wgt)), expected);
 }
 
 TEST(GraphProduct, TakesNcolForItsNumberOfColumns) {

@@ -149,6 +149,34 @@ TEST(Multiply, WithoutRowsHasOneRowStartAndOneSlot) {
   EXPECT_EQ(m3.ia(1), 1);
 }
 
+TEST(Multiply, WithoutEntriesOnTheLeftDoesNotLookAtTheRightOperand) {
+  csr_matrix m2;
+  m2.n = 2;
+  m2.m = 3;
+  EXPECT_EQ(multiplied_to_nothing(real_matrix(2, {}), m2).n, 0);
+  EXPECT_EQ(multiplied_to_nothing(real_matrix(2, {{}, {}}), m2).ia(3), 1);
+}
+
+// The second of three rows begins behind the first and ends before it begins: it is none.
+TEST(Multiply, SkipsARowThatEndsBeforeItBegins) {
+  entry_rows rows(3);
+  for (std::int32_t j = 1; j <= 64; ++j) rows[0].push_back({j, 1.0 / j});
+  csr_matrix shared = real_matrix(64, rows);
+  shared.ia(3) = 1;
+  shared.ia(4) = 2;
+  rows[2] = {{1, 1.0}};
+  entry_rows diagonal;
+  for (std::int32_t i = 1; i <= 64; ++i) diagonal.push_back({{i, 3.0}});
+  entry_rows thrice = rows;
+  for (auto& row : thrice)
+    for (entry& e : row) e.value *= 3.0;
+  EXPECT_EQ(entries_of(multiplied(shared, real_matrix(64, diagonal))), thrice);
+
+  const entry_rows to_each{{{1, 3.0}}, {{2, 3.0}}, {{3, 3.0}}, {{1, 3.0}}};
+  thrice.push_back(thrice.front());
+  EXPECT_EQ(entries_of(multiplied(real_matrix(3, to_each), shared)), thrice);
+}
+
 TEST(Multiply, WithoutColumnsHasEmptyRowsAndOneSlot) {
   const csr_matrix m3 =
       multiplied_to_nothing(real_matrix(1, {{{1, 1.0}}, {}}), real_matrix(0, {{}}));

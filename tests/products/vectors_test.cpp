@@ -314,6 +314,27 @@ TEST(AllVectors, OfUnevenRowsThatShareEntriesVisitThemAgain) {
   }
 }
 
+// A row ends with the last entry of all, and the next one, which begins there, ends before.
+TEST(AllVectors, OfUnevenRowsSkipOneThatEndsBeforeItBegins) {
+  constexpr std::int32_t n = 1 << 14;
+  for (const std::int32_t kinds : {4, 9}) {
+    column_rows rows(n);
+    for (std::int32_t i = 0; i < n; ++i)
+      rows[static_cast<std::size_t>(i)].assign(static_cast<std::size_t>(any_of(kinds, i)), i + 1);
+    csr_matrix mat = pattern(n, rows);
+    mat.ia(n / 2) = mat.ia(n + 1);
+    for (std::int32_t i = n / 2 - 1; i < n; ++i) {
+      const auto& behind = rows[static_cast<std::size_t>(i)];
+      rows[n / 2 - 2].insert(rows[n / 2 - 2].end(), behind.begin(), behind.end());
+    }
+    rows[n / 2 - 1].clear();
+    const ints x(n, 3), y(n, 9);
+    EXPECT_EQ(applied(csr_matrix_multiply_ivector, mat, x, y), dense::times(rows, x));
+    EXPECT_EQ(applied(csr_matrix_trans_mult_ivector, mat, x, y),
+              dense::transpose_times(rows, n, x));
+  }
+}
+
 csr_matrix with_lengths(std::int32_t n, const std::function<std::int32_t(std::int32_t i)>& length) {
   column_rows rows(static_cast<std::size_t>(n));
   for (std::int32_t i = 0; i < n; ++i)
