@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cassert>
+#include <numeric>
 #include <span>
 
 namespace csrmat {
@@ -58,8 +59,8 @@ void join(const neighbourhoods& neighbours, aggregates& groups) {
     const auto around = neighbours(i);
     const auto host = std::find_if(around.begin(), around.end(),
                                    [&](std::int32_t j) { return group_of(j) != nobody; });
-    // The third phase of the paper gathers rows without such a neighbour. There are none: a row
-    // that is free together with all its neighbours has founded an aggregate.
+    // No row is without such a neighbour: one that is free together with all its neighbours has
+    // founded an aggregate.
     assert(host != around.end());
     groups.of_row[static_cast<std::size_t>(i - 1)] = group_of(*host);
   }
@@ -84,7 +85,7 @@ csr_matrix piecewise_constant(const aggregates& groups) {
   csr_matrix p;
   const auto n = static_cast<std::int32_t>(groups.of_row.size());
   csr_matrix_initial(n, p, groups.count, matrix_real);
-  for (std::int32_t i = 1; i <= n + 1; ++i) p.ia(i) = i;
+  std::iota(p.ia.begin(), p.ia.end(), 1);
   csr_matrix_allocate(p, n);
   std::copy(groups.of_row.begin(), groups.of_row.end(), p.ja.data());
   csr_matrix_setval(p, 1.0);

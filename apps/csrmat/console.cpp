@@ -4,6 +4,7 @@
 #include "failure.hpp"
 
 #include <fcntl.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -18,13 +19,29 @@ std::FILE* result_stream = stdout;
 std::FILE* held_lines = nullptr;  // what the library says
 long lines_taken = 0;             // so much of it has been handed out
 
+// Where the disk is full, the library still has something to say. Null where there is none.
+std::FILE* file_in_memory() {
+#if defined(MFD_CLOEXEC)
+  const int file = memfd_create("lines of the library", MFD_CLOEXEC);
+  return file < 0 ? nullptr : fdopen(file, "w+");
+#else
+  return nullptr;
+#endif
+}
+
+bool is_open_as(const struct stat& file, int descriptor) {
+  struct stat open {};
+  return fstat(descriptor, &open) == 0 && open.st_dev == file.st_dev && open.st_ino == file.st_ino;
+}
+
 }  // namespace
 
 // A closed standard output is no reason to fail; what is written to it is lost, as its owner wants.
 console::console() {
   for (int descriptor = STDIN_FILENO; descriptor <= STDERR_FILENO; ++descriptor)
     if (fcntl(descriptor, F_GETFD) < 0 && open("/dev/null", O_RDWR) < 0) return;
-  held_lines = std::tmpfile();
+  held_lines = file_in_memory();
+  if (held_lines == nullptr) held_lines = std::tmpfile();
   const int own = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
   std::FILE* const stream = own < 0 ? nullptr : fdopen(own, "w");
   if (stream == nullptr) return;
@@ -55,16 +72,12 @@ std::string library_lines() {
   return lines;
 }
 
+// Through fd 1 a name like /dev/stdout, or a link to it, leads to the lines that are held back.
 std::string standard_output_as_file(const std::string& path) {
   const int own = fileno(result_stream);
-  struct stat target {};
-  struct stat output {};
-  if (stat(path == "/dev/stdout" ? ("/dev/fd/" + std::to_string(own)).c_str() : path.c_str(),
-           &target) != 0 ||
-      fstat(own, &output) != 0)
-    return {};
-  const bool same = target.st_dev == output.st_dev && target.st_ino == output.st_ino;
-  // Through fd 1 a name like /dev/stdout would reach the lines that are held back.
+  struct stat file {};
+  if (stat(path.c_str(), &file) != 0) return {};
+  const bool same = is_open_as(file, own) || is_open_as(file, STDOUT_FILENO);
   return same ? "/dev/fd/" + std::to_string(own) : std::string();
 }
 

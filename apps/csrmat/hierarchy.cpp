@@ -55,7 +55,7 @@ csr_matrix magnitudes(const csr_matrix& mat) {
 vector inner_weights(const csr_matrix& fine, const aggregates& groups) {
   vector weights(static_cast<std::size_t>(groups.count));
   const std::int32_t* const of_row = groups.of_row.data();
-  for (std::int32_t i = 1; i <= fine.n; ++i)
+  for (std::int64_t i = 1; i <= fine.n; ++i)
     for (std::int32_t k = fine.ia(i); k < fine.ia(i + 1); ++k)
       if (of_row[fine.ja(k) - 1] == of_row[i - 1])
         weights[static_cast<std::size_t>(of_row[i - 1] - 1)] += fine.a(k);

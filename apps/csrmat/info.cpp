@@ -26,8 +26,8 @@ void print(const char* property, std::int64_t value) { print(property, std::to_s
 void print_row_lengths(const csr_matrix& mat) {
   std::int32_t longest = 0;
   std::int32_t shortest = mat.n == 0 ? 0 : csr_matrix_num_row_entries(mat, 1);
-  for (std::int32_t i = 1; i <= mat.n; ++i) {
-    const std::int32_t length = csr_matrix_num_row_entries(mat, i);
+  for (std::int64_t i = 1; i <= mat.n; ++i) {
+    const std::int32_t length = csr_matrix_num_row_entries(mat, static_cast<std::int32_t>(i));
     longest = std::max(longest, length);
     shortest = std::min(shortest, length);
   }
@@ -57,8 +57,9 @@ std::string library_symmetry(const csr_matrix& mat) {
 }
 
 std::int32_t condensed_columns(const csr_matrix& mat) {
-  csr_matrix pattern;  // condensation works in place
+  csr_matrix pattern;  // condensation works in place, and takes each column of a row once
   csr_matrix_assign(pattern, pattern_of(mat));
+  if (csr_matrix_num_nz(pattern) > 0) csr_matrix_clean(pattern);
   std::vector<std::int32_t> weights(static_cast<std::size_t>(mat.m), 1);
   csr_matrix_condense(pattern, weights);
   return pattern.m;

@@ -31,7 +31,7 @@ namespace {
 // for more than they are: a command to run, an escape, data of another place.
 void require_plain_name(const std::string& name) {
   const auto special = [](unsigned char c) { return c < ' ' || c == '"' || c == '\\' || c == '`'; };
-  const bool starts_special = name.find_first_of("<|+-$") == 0;
+  const bool starts_special = name.find_first_of("<|+-$~") == 0;
   if (name.empty() || starts_special || std::any_of(name.begin(), name.end(), special))
     throw failure(name + ": gnuplot would not take this for the name of a file");
 }
@@ -136,7 +136,11 @@ void plot(const std::string& file, const std::string& out) {
   std::fprintf(results(), "wrote %s and %s, which draws %s.ps\n", out.c_str(), com.c_str(),
                out.c_str());
   if (!missing.empty()) {
-    std::fprintf(results(), "without %s: %s\n", png.c_str(), missing.c_str());
+    std::error_code unknown;
+    std::fprintf(
+        results(),
+        std::filesystem::exists(png, unknown) ? "left %s as it was: %s\n" : "without %s: %s\n",
+        png.c_str(), missing.c_str());
     return;
   }
   picture.commit();

@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstddef>
 #include <cstring>
 #include <filesystem>
 
@@ -19,11 +20,26 @@ namespace {
   throw failure(target + ": cannot be written: " + std::strerror(errno));
 }
 
-// The file that a chain of links leads to; a link to nothing stays as it is.
-std::string followed(const std::string& path) {
+// The file that a chain of links leads to, whether it is there or not.
+std::filesystem::path followed(std::filesystem::path path) {
+  constexpr int most_links = 40;
   std::error_code error;
-  const auto real = std::filesystem::canonical(path, error);
-  return error ? path : real.string();
+  for (int link = 0; link < most_links && std::filesystem::is_symlink(path, error); ++link)
+    path = path.parent_path() / std::filesystem::read_symlink(path, error);
+  return path;
+}
+
+// A name beside the file, for `mkstemp`, that is no longer than names may be.
+std::string name_beside(const std::filesystem::path& file) {
+  constexpr std::size_t most = 200;
+  const std::string name = file.filename().string().substr(0, most);
+  return (file.parent_path() / (name + ".XXXXXX")).string();
+}
+
+bool are_same(const struct stat& file, const std::filesystem::path& path) {
+  struct stat other {};
+  return stat(path.c_str(), &other) == 0 && other.st_dev == file.st_dev &&
+         other.st_ino == file.st_ino;
 }
 
 mode_t usual_mode() {
@@ -34,7 +50,7 @@ mode_t usual_mode() {
 
 }  // namespace
 
-replacement::replacement(const std::string& target) : target_(target) {
+replacement::replacement(const std::string& target) : asked_(target), target_(target) {
   if (const std::string own = standard_output_as_file(target); !own.empty()) {
     target_ = own;
     return;
@@ -49,14 +65,16 @@ replacement::replacement(const std::string& target) : target_(target) {
   }
   if (exists && !S_ISREG(present.st_mode)) return;
 
-  target_ = followed(target);
-  beside_.emplace(target_ + ".XXXXXX");
+  const std::filesystem::path file = followed(target);
+  if (exists && !are_same(present, file)) return;  // an open file that has no name any more
+  target_ = file.string();
+  beside_.emplace(name_beside(file));
   const mode_t mode = exists ? present.st_mode & static_cast<mode_t>(07777) : usual_mode();
   if (!beside_->create(mode)) refuse(target);
 }
 
 void replacement::commit() {
-  if (beside_ && !beside_->become(target_)) refuse(target_);
+  if (beside_ && !beside_->become(target_)) refuse(asked_);
 }
 
 }  // namespace csrmat

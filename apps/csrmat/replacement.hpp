@@ -19,7 +19,8 @@ class replacement {
   void commit();
 
  private:
-  std::string target_;
+  std::string asked_;   // as errors name it
+  std::string target_;  // where it leads
   std::optional<unfinished_file> beside_;
 };
 

@@ -60,11 +60,13 @@ std::optional<std::pair<std::int32_t, std::int32_t>> unpaired_entry(const csr_ma
   csr_matrix_transpose(pattern_of(mat), transposed);
   csr_matrix sorted;  // a transpose has sorted rows: twice transposed is sorted
   csr_matrix_transpose(transposed, sorted);
-  for (std::int32_t i = 1; i <= mat.n; ++i)
+  for (std::int64_t row = 1; row <= mat.n; ++row) {
+    const auto i = static_cast<std::int32_t>(row);
     if (const auto lone = lone_column(sorted, transposed, i)) {
       const auto [stored_in_row_i, j] = *lone;
       return stored_in_row_i ? std::pair(i, j) : std::pair(j, i);
     }
+  }
   return {};
 }
 

@@ -127,11 +127,11 @@ int run(int argc, char** argv) {
 
 int guarded(const std::function<int()>& body) {
   csr_matrix_mod::set_stop_handler(
-      [](std::string_view message) { throw failure(std::string(message)); });
+      [](std::string_view message) { throw failure(reason(message)); });
   try {
     return body();
   } catch (const failure& why) {
-    return complain(reason(why.what()));
+    return complain(why.what());
   } catch (const std::bad_alloc&) {
     return complain("not enough memory");
   } catch (const std::exception& why) {

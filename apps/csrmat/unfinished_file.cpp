@@ -58,7 +58,7 @@ void unfinished_file::remove_all() noexcept {
 }
 
 void remove_unfinished_files_on_signals() {
-  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGPIPE, SIGXCPU}) {
     struct sigaction present {};
     sigaction(signal, nullptr, &present);
     if (present.sa_handler == SIG_IGN) continue;  // as nohup wants it

@@ -31,7 +31,8 @@ class unfinished_file {
   const unfinished_file* before_;
 };
 
-// From now on an interrupt, a hangup or a request to end takes unfinished files with the program.
+// From now on a signal that asks the program to end, or tells it that its reader has gone or its
+// time is up, takes unfinished files with it.
 void remove_unfinished_files_on_signals();
 
 }  // namespace csrmat

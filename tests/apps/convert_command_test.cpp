@@ -151,11 +151,60 @@ TEST(Convert, FollowsALinkToTheFileItReplaces) {
   EXPECT_EQ(folder.read("old.csr").rfind(" F\n", 0), 0U);
 }
 
+TEST(Convert, MakesTheFileThatALinkToNothingNames) {
+  const matrix_folder folder;
+  std::filesystem::create_directory(folder.path("below"));
+  std::filesystem::create_symlink("below/second.csr", folder.path("first.csr"));
+  std::filesystem::create_symlink("new.csr", folder.path("below/second.csr"));
+  expect_quiet({"convert", folder.path("square.mtx"), folder.path("first.csr")});
+  EXPECT_TRUE(std::filesystem::is_symlink(folder.path("first.csr")));
+  EXPECT_TRUE(std::filesystem::is_symlink(folder.path("below/second.csr")));
+  EXPECT_EQ(folder.read("below/new.csr").rfind(" F\n", 0), 0U);
+
+  const std::string nowhere = folder.path("nowhere.csr");
+  std::filesystem::create_symlink("missing/new.csr", nowhere);
+  expect_refusal({"convert", folder.path("square.mtx"), nowhere},
+                 nowhere + ": cannot be written: No such file or directory");
+}
+
+TEST(Convert, TakesNamesAsLongAsTheSystemDoes) {
+  const matrix_folder folder;
+  const std::string name = std::string(251, 'a') + ".csr";
+  expect_quiet({"convert", folder.path("square.mtx"), folder.path(name)});
+  EXPECT_EQ(folder.read(name).rfind(" F\n", 0), 0U);
+}
+
 TEST(Convert, CanWriteToStandardOutput) {
   const matrix_folder folder;
   const auto seen = csrmat({"convert", folder.path("graph.mtx"), "/dev/stdout", "--to", "text"});
   expect_quiet({"convert", folder.path("graph.mtx"), folder.path("graph.csr")});
   EXPECT_EQ(seen.status, 0);
+  EXPECT_EQ(seen.out, folder.read("graph.csr"));
+  EXPECT_EQ(seen.err, "");
+}
+
+TEST(Convert, KnowsStandardOutputByAnyName) {
+  const matrix_folder folder;
+  const std::string link = folder.path("link.csr");
+  std::filesystem::create_symlink("/dev/stdout", link);
+  expect_quiet({"convert", folder.path("graph.mtx"), folder.path("graph.csr")});
+  for (const std::string& name : {link, std::string("/dev/fd/1"), std::string("/proc/self/fd/1")}) {
+    const auto seen = csrmat({"convert", folder.path("graph.mtx"), name, "--to", "text"});
+    EXPECT_EQ(seen.status, 0) << name;
+    EXPECT_EQ(seen.out, folder.read("graph.csr")) << name;
+    EXPECT_EQ(seen.err, "") << name;
+  }
+  EXPECT_TRUE(std::filesystem::is_symlink(link));
+}
+
+TEST(Convert, WritesThroughAnOpenFileThatHasNoName) {
+  const matrix_folder folder;
+  expect_quiet({"convert", folder.path("graph.mtx"), folder.path("graph.csr")});
+  const std::string file = folder.path("gone");
+  const std::string command = "exec 3<>'" + file + "' && rm '" + file +
+                              "' && " CSRMAT " convert '" + folder.path("graph.mtx") +
+                              "' /dev/fd/3 --to text && cat /dev/fd/3";
+  const auto seen = tests::run_process({"sh", "-c", command});
   EXPECT_EQ(seen.out, folder.read("graph.csr"));
   EXPECT_EQ(seen.err, "");
 }

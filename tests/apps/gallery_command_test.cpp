@@ -39,6 +39,17 @@ TEST(GalleryCommand, RefusesASeedWhereNothingIsRandom) {
                  "poisson2d: nothing is random here, so there is no --seed");
 }
 
+TEST(GalleryCommand, RefusesWhatIsNoSeed) {
+  const matrix_folder folder;
+  for (const char* seed : {"18446744073709551616", "-3", "5 ", "1e3"})
+    expect_refusal({"gallery", "fem", folder.path("x.mtx"), "--seed", seed},
+                   std::string("--seed: expected a whole number from 0 to 18446744073709551615, "
+                               "found '") +
+                       seed + "'; see csrmat --help");
+  expect_quiet(
+      {"gallery", "fem", folder.path("x.mtx"), "--size", "3", "--seed", "18446744073709551615"});
+}
+
 TEST(GalleryCommand, RefusesASizeThatDoesNotFit) {
   const matrix_folder folder;
   expect_refusal({"gallery", "poisson3d", folder.path("x.mtx"), "--size", "2000"},

@@ -8,6 +8,7 @@
 namespace {
 
 using tests::csrmat;
+using tests::expect_quiet;
 using tests::matrix_folder;
 
 std::string info(const std::string& file) {
@@ -52,6 +53,16 @@ TEST(Info, TellsAGraphFromAMatrix) {
   EXPECT_NE(out.find("matrix_is_struct_symmetric    true\n"), std::string::npos);
   // Columns 1 and 3 become one; column 2 stays.
   EXPECT_NE(out.find("condensed columns             1\n"), std::string::npos) << out;
+}
+
+TEST(Info, CondensesColumnsThatAreGivenTwiceAsOnce) {
+  const matrix_folder folder;
+  expect_quiet({"clean", folder.path("repeated.mtx"), folder.path("cleaned.mtx")});
+  const auto condensed = [&](const char* name) {
+    const std::string out = info(folder.path(name));
+    return out.substr(out.find("condensed columns"));
+  };
+  EXPECT_EQ(condensed("repeated.mtx"), condensed("cleaned.mtx"));
 }
 
 TEST(Info, CallsARectangleUnsymmetric) {

@@ -66,6 +66,12 @@ TEST(Plot, WritesTheFilesOfTheLibrary) {
       "         1         3\n         3         3\n         2         2\n         4         1\n");
   EXPECT_EQ(folder.read("picture.com").rfind("set xrange [0:           5]\n", 0), 0U);
   EXPECT_FALSE(std::filesystem::exists(out + ".png"));
+
+  folder.write("picture.png", "of before");
+  const auto again = csrmat({"plot", folder.path("empty.mtx"), out});
+  EXPECT_NE(again.out.find("left " + out + ".png as it was: there is no entry to draw\n"),
+            std::string::npos);
+  EXPECT_EQ(folder.read("picture.png"), "of before");
 }
 
 TEST(Plot, NamesThePointsInTheCommandsAsTheUserDid) {
@@ -106,7 +112,7 @@ TEST(Plot, DrawsNoPictureOfNothing) {
 TEST(Plot, RefusesANameThatGnuplotWouldRun) {
   const matrix_folder folder;
   const std::string reason = ": gnuplot would not take this for the name of a file";
-  for (const char* name : {"<touch x", "|touch x", "a`touch x`", "a\"b", "a\\b", "-"})
+  for (const char* name : {"<touch x", "|touch x", "a`touch x`", "a\"b", "a\\b", "-", "~/x"})
     expect_refusal({"plot", folder.path("wide.mtx"), "--", name}, name + reason);
   expect_refusal({"plot", folder.path("wide.mtx"), "--", ""}, "''" + reason);
 }

@@ -28,6 +28,8 @@ void expect_one_line(const process_result& seen) {
   EXPECT_EQ(seen.out, "");
   EXPECT_EQ(seen.err.rfind("csrmat: ", 0), 0U) << seen.err;
   EXPECT_EQ(std::count(seen.err.begin(), seen.err.end(), '\n'), 1) << seen.err;
+  const std::string reason = seen.err.substr(seen.err.rfind(": ") + 1);
+  EXPECT_NE(reason.find_first_not_of(" \n"), reason.npos) << seen.err;
 }
 
 // The command line with request k refused by what is loaded before the program.
@@ -38,36 +40,45 @@ process_result csrmat_refused(int k, const std::vector<std::string>& arguments) 
   return tests::run_process(words);
 }
 
-TEST(CsrmatWithoutMemory, SaysSoInOneLineAndReplacesTheFileWholeOrNotAtAll) {
-  if (std::string_view(REFUSE_MEMORY).empty())
-    GTEST_SKIP() << "a sanitizer or a counter has the memory of this build";
+// How many requests a command was refused that did not do without.
+int refused_requests(const std::string& command) {
   const matrix_folder folder;
-  const std::string target = folder.path("sorted.csr");
-  tests::expect_quiet({"sort", folder.path("repeated.mtx"), target});
-  const std::string sorted = tests::read_file(target);
+  const std::string source = folder.path("repeated.mtx");
+  const std::string target = folder.path("new.csr");
+  tests::expect_quiet({command, source, target});
+  const std::string expected = tests::read_file(target);
   const std::string before = "the file of before";
 
   int refused = 0;
   for (int k = 0, successes = 0; successes < 100; ++k) {  // a success may be a refusal ignored
-    SCOPED_TRACE(testing::Message() << "request " << k);
+    SCOPED_TRACE(testing::Message() << command << ", request " << k);
     std::filesystem::remove(target);
     tests::write_file(target, before);
     const auto files = files_in(folder);
-    const process_result seen = csrmat_refused(k, {"sort", folder.path("repeated.mtx"), target});
+    const process_result seen = csrmat_refused(k, {command, source, target});
     EXPECT_EQ(files_in(folder), files);
     if (seen.status == 0) {
       ++successes;
-      EXPECT_EQ(tests::read_file(target), sorted);
+      EXPECT_EQ(tests::read_file(target), expected);
       continue;
     }
     successes = 0;
     ++refused;
     expect_one_line(seen);
     EXPECT_EQ(tests::read_file(target), before);
-    if (HasFailure()) return;
+    if (testing::Test::HasFailure()) break;
   }
-  EXPECT_GT(refused, 20);
-  RecordProperty("refused", refused);
+  return refused;
+}
+
+TEST(CsrmatWithoutMemory, SaysSoInOneLineAndReplacesTheFileWholeOrNotAtAll) {
+  if (std::string_view(REFUSE_MEMORY).empty())
+    GTEST_SKIP() << "a sanitizer or a counter has the memory of this build";
+  for (const char* command : {"sort", "clean", "symmetrize", "transpose"}) {
+    const int refused = refused_requests(command);
+    EXPECT_GT(refused, 20);
+    RecordProperty(command, refused);
+  }
 }
 
 // Nothing that is started grows a file beyond so many bytes while this lives.
