@@ -24,11 +24,21 @@ namespace csr_matrix_mod {
   return rows_follow(mat.ia.data(), 1, mat.n);
 }
 
-[[nodiscard]] inline std::int32_t longest_row(const csr_matrix& mat) {
+struct row_lengths {
+  std::int32_t longest;
+  bool follow;  // as `rows_follow`
+};
+
+[[nodiscard]] inline row_lengths lengths_of_rows(const csr_matrix& mat) {
   std::int32_t longest = 0;
+  std::int32_t bits = 0;  // of all lengths: the sign, if one has it
   const std::int32_t* const starts = mat.ia.data();
-  for (std::int64_t i = 1; i <= mat.n; ++i) longest = std::max(longest, starts[i] - starts[i - 1]);
-  return longest;
+  for (std::int64_t i = 1; i <= mat.n; ++i) {
+    const std::int32_t length = starts[i] - starts[i - 1];
+    longest = std::max(longest, length);
+    bits |= length;
+  }
+  return {longest, bits >= 0};
 }
 
 // Counts the entries of each column, and all of them. Where rows follow each other it does not

@@ -60,7 +60,7 @@ void sort_row(std::int32_t& len, std::int32_t* cols, const Values& values) {
 
 // Sorts every row and moves it to where the row before it ends. How many entries remain.
 std::int32_t sort_rows(csr_matrix& mat) {
-  row_sorter sorter(mat, longest_row(mat),
+  row_sorter sorter(mat, lengths_of_rows(mat).longest,
                     mat.type == matrix_structure_only ? no_values::routine : row_values::routine);
   std::int32_t* const starts = mat.ia.data();
   std::int32_t q = 1;

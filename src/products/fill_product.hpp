@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The fill of a product in the way that suits its operands; the arrays do not tell which it was.
+// Operands of which nothing is foreseen (`most_product_entries` is 0) are walked path by path.
 // The first that is found decides, how many times as fast it is stands behind:
 //
 //   rows of both operands that repeat the row before, moved   repeated_rows           1.4 to 6
@@ -12,7 +13,6 @@
 #pragma once
 
 #include "path_values.hpp"
-#include "product_size.hpp"
 #include "product_walk.hpp"
 #include "repeated_rows.hpp"
 #include "row_repeats.hpp"
@@ -32,10 +32,10 @@ namespace csr_matrix_mod::products {
 
 template <diagonal Diagonal, class Values, class Path>
 void fill_product(const csr_matrix& m1, const csr_matrix& m2, std::int32_t ncol, csr_matrix& m3,
-                  const Values& values, const Path& path, std::int32_t* mark) {
+                  const Values& values, const Path& path, std::int32_t* mark, bool foreseen) {
   const operands of{m1.n, ncol, m1.ia, m1.ja, m2.ia, m2.ja};
   const product<Values> to{m3.ia, m3.ja, values};
-  if (!can_be_foreseen(m1, m2))
+  if (!foreseen)
     return store_entries<Diagonal>(of, to, path, mark, rows_by_starts{of.ib.data()}, walk_alone{});
   const row_repeats repeats(of, m2.n);
   if (repeats.worthwhile())

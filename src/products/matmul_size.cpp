@@ -61,14 +61,17 @@ std::int64_t exact_if_it_spares_pages(const csr_matrix& m1, const csr_matrix& m2
   return count;
 }
 
+// The left rows follow each other.
 std::int64_t most_entries(const csr_matrix& m1, const csr_matrix& m2, std::int32_t ncol) {
+  const row_lengths right = lengths_of_rows(m2);
+  if (!right.follow) return 0;
   const std::int32_t* const left_starts = m1.ia.data();
   const std::int32_t* const left_columns = m1.ja.data();
   const std::int32_t* const right_starts = m2.ia.data();
 
   const std::int64_t left_entries = left_starts[m1.n] - 1;
   const std::int64_t right_entries = right_starts[m2.n] - 1;
-  const std::int64_t longest = longest_row(m2);
+  const std::int64_t longest = right.longest;
   if (longest * m2.n <= 2 * right_entries)
     return std::min(left_entries * longest, std::int64_t{m1.n} * ncol);
 
@@ -87,15 +90,11 @@ std::int64_t most_entries(const csr_matrix& m1, const csr_matrix& m2, std::int32
 
 }  // namespace
 
-bool can_be_foreseen(const csr_matrix& m1, const csr_matrix& m2) {
-  if (m1.n < 1 || m2.n < 1 || csr_matrix_num_nz(m1) < 1) return false;
-  const bool of_one = m1.ia.data() == m2.ia.data() && m1.n >= m2.n;
-  return rows_follow(m1) && (of_one || rows_follow(m2));
-}
-
 std::int64_t most_product_entries(const csr_matrix& m1, const csr_matrix& m2, std::int32_t ncol,
                                   products::diagonal which) {
-  if (!can_be_foreseen(m1, m2)) return 0;
+  if (m1.n < 1 || m2.n < 1 || csr_matrix_num_nz(m1) < 1) return 0;
+  const bool left_is_right = m1.ia.data() == m2.ia.data() && m1.n <= m2.n;
+  if (!left_is_right && !rows_follow(m1)) return 0;
   const std::int64_t most = most_entries(m1, m2, ncol);
   return which == diagonal::kept ? exact_if_it_spares_pages<diagonal::kept>(m1, m2, ncol, most)
                                  : exact_if_it_spares_pages<diagonal::skipped>(m1, m2, ncol, most);

@@ -24,16 +24,18 @@ void csr_matrix_multiply(const csr_matrix& m1, const csr_matrix& m2, csr_matrix&
       (m1.type | m2.type) == matrix_structure_only ? matrix_structure_only : matrix_real;
 
   csr_matrix_initial(n, m3, m2.m, type);
+  const std::int64_t most = most_product_entries(m1, m2, nc, diagonal::kept);
   products::form_product(
-      m3, nc, most_product_entries(m1, m2, nc, diagonal::kept), "csr_matrix_multiply",
+      m3, nc, most, "csr_matrix_multiply",
       type == matrix_structure_only ? "matmul_noval" : "matmul_normal",
       [&] { return product_size(n, nc, m1.ia, m1.ja, m2.ia, m2.ja); },
       [&](std::int32_t* mark) {
         if (type != matrix_structure_only)
           fill_product<diagonal::kept>(m1, m2, nc, m3, sums{m3.a.data()},
-                                       values_multiplied{m1.a.data(), m2.a.data()}, mark);
+                                       values_multiplied{m1.a.data(), m2.a.data()}, mark, most > 0);
         else
-          fill_product<diagonal::kept>(m1, m2, nc, m3, no_values{}, paths_counted{}, mark);
+          fill_product<diagonal::kept>(m1, m2, nc, m3, no_values{}, paths_counted{}, mark,
+                                       most > 0);
       });
 }
 
@@ -44,16 +46,17 @@ void csr_matrix_multiply_graph(const csr_matrix& g1, const csr_matrix& g2, csr_m
   const std::int32_t nc = ncol.value_or(g2.m);
 
   csr_matrix_initial(n, g3, nc, matrix_real);
+  const std::int64_t most = most_product_entries(g1, g2, nc, diagonal::skipped);
   products::form_product(
-      g3, nc, most_product_entries(g1, g2, nc, diagonal::skipped), "csr_matrix_multiply_graph",
-      wgt ? "matmul_wgraph" : "matmul_graph",
+      g3, nc, most, "csr_matrix_multiply_graph", wgt ? "matmul_wgraph" : "matmul_graph",
       [&] { return product_size_graph(n, nc, g1.ia, g1.ja, g2.ia, g2.ja); },
       [&](std::int32_t* mark) {
         if (wgt)
           fill_product<diagonal::skipped>(g1, g2, nc, g3, sums{g3.a.data()},
-                                          middle_vertex{wgt->data()}, mark);
+                                          middle_vertex{wgt->data()}, mark, most > 0);
         else
-          fill_product<diagonal::skipped>(g1, g2, nc, g3, sums{g3.a.data()}, paths_counted{}, mark);
+          fill_product<diagonal::skipped>(g1, g2, nc, g3, sums{g3.a.data()}, paths_counted{}, mark,
+                                          most > 0);
       });
 }
 

@@ -25,14 +25,11 @@ namespace csr_matrix_mod {
                                               array_view<const std::int32_t> ib,
                                               array_view<const std::int32_t> jb);
 
-// Do the operands have entries, in rows that follow each other? Otherwise nothing is foreseen: paths
-// are counted, and stored one by one.
-[[nodiscard]] bool can_be_foreseen(const csr_matrix& m1, const csr_matrix& m2);
-
 // A bound for the size of a product with or without its diagonal: no row has more entries than
 // paths or columns. Where right rows are about as long as each other it takes the longest for all,
 // and looks at no left entry: a tenth of the time of a product of stencils. For some small products
-// of stencils it is the size itself. 0 where nothing is foreseen.
+// of stencils it is the size itself. 0 where there are no entries, or rows that do not follow each
+// other: nothing is foreseen then.
 [[nodiscard]] std::int64_t most_product_entries(const csr_matrix& m1, const csr_matrix& m2,
                                                 std::int32_t ncol, products::diagonal which);
 

@@ -26,7 +26,8 @@ struct twin {
   std::string_view r_differs;
   decltype(product_size)* size;
   std::string_view kernel;
-  void (*fill)(const csr_matrix& r, const csr_matrix& mp, csr_matrix& mc, std::int32_t* mark);
+  void (*fill)(const csr_matrix& r, const csr_matrix& mp, csr_matrix& mc, std::int32_t* mark,
+               bool foreseen);
 };
 
 // The third line shows the rows of r although its columns are compared; logs are searched for it.
@@ -52,10 +53,11 @@ void restriction(const csr_matrix& m1, const csr_matrix& p, const csr_matrix& r,
   csr_matrix mp;
   csr_matrix_multiply(m1, p, mp);
   csr_matrix_initial(r.n, mc, mp.m, matrix_real);
+  const std::int64_t most = most_product_entries(r, mp, mp.m, diagonal::kept);
   products::form_product(
-      mc, mp.m, most_product_entries(r, mp, mp.m, diagonal::kept), form.routine, form.kernel,
+      mc, mp.m, most, form.routine, form.kernel,
       [&] { return form.size(r.n, mp.m, r.ia, r.ja, mp.ia, mp.ja); },
-      [&](std::int32_t* mark) { form.fill(r, mp, mc, mark); });
+      [&](std::int32_t* mark) { form.fill(r, mp, mc, mark, most > 0); });
 }
 
 }  // namespace
@@ -70,9 +72,10 @@ void csr_matrix_restriction(const csr_matrix& m1, const csr_matrix& p, const csr
                .size = product_size,
                .kernel = "matmul_normal",
                .fill = [](const csr_matrix& left, const csr_matrix& mp, csr_matrix& result,
-                          std::int32_t* mark) {
+                          std::int32_t* mark, bool foreseen) {
                  fill_product<diagonal::kept>(left, mp, mp.m, result, sums{result.a.data()},
-                                              values_multiplied{left.a.data(), mp.a.data()}, mark);
+                                              values_multiplied{left.a.data(), mp.a.data()}, mark,
+                                              foreseen);
                }});
 }
 
@@ -86,10 +89,10 @@ void csr_matrix_graph_restriction(const csr_matrix& g1, const csr_matrix& p, con
                .size = product_size_graph,
                .kernel = "matmul_formgraph",
                .fill = [](const csr_matrix& left, const csr_matrix& mp, csr_matrix& result,
-                          std::int32_t* mark) {
+                          std::int32_t* mark, bool foreseen) {
                  fill_product<diagonal::skipped>(left, mp, mp.m, result, sums{result.a.data()},
                                                  values_multiplied{left.a.data(), mp.a.data()},
-                                                 mark);
+                                                 mark, foreseen);
                }});
 }
 
