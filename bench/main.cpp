@@ -31,7 +31,7 @@ using bench::verdict;
 
 constexpr const char* usage = R"(usage: bench [option...]
 
-  --quick              small matrices, few rounds: seconds instead of an hour
+  --quick              small matrices, few rounds: minutes instead of hours
   --scale=X            all matrices X times as large (1)
   --rounds=N           calls of each contestant, in random order (9)
   --memory=fresh|recycled|both

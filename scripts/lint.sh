@@ -1,7 +1,8 @@
 #!/bin/sh
 # SPDX-License-Identifier: MIT
 # Looks at the form of the code: layout (.clang-format), what compilers do not say (.clang-tidy,
-# tools/lint/cppcheck.txt), and whether headers, contract table, tests and README agree.
+# tools/lint/cppcheck.txt), whether headers, contract table and tests agree, and whether the README
+# shows the program that is run.
 #
 #   scripts/lint.sh             everything; clang-tidy takes its time over the tests
 #   scripts/lint.sh --library   of clang-tidy, what concerns the library alone, as continuous
@@ -18,7 +19,8 @@ need_packages cmake ninja-build clang clang-format clang-tidy cppcheck python3
   gnuplot-nox pkg-config
 
 say "Layout"
-git ls-files -z -- '*.cpp' '*.hpp' | xargs -0 clang-format --dry-run --Werror
+find apps bench examples fuzz include src tests -name '*.[ch]pp' -print0 |
+  xargs -0 clang-format --dry-run --Werror
 
 say "Contracts"
 python3 tools/lint/contracts.py

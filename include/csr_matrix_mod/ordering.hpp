@@ -88,7 +88,8 @@ bool matrix_is_struct_symmetric(const csr_matrix& mat);
 /// values that met added in stored order; elements from there to the old `len` are stale. Nothing
 /// changes when `len` is less than 1.
 /// Cost: O(len log len); temporaries of len integers and len values.
-/// Stops: "allocation error in csr_matrix_sortrow".
+/// Stops: "allocation error in csr_matrix_sortrow"; where the values have no room, the columns are
+/// sorted by then.
 void csr_matrix_sortrow(std::int32_t& len, array_view<std::int32_t> cols, array_view<double> vals);
 
 /// As `csr_matrix_sortrow`, for a row without values.

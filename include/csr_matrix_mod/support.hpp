@@ -176,8 +176,9 @@ class array_view {
 };
 
 /// Called with the stop message instead of leaving the program. It may throw, or save work and
-/// leave; if it returns, the program stops as it does without a handler: standard output is
-/// flushed, the message is one line on standard error, and the exit status is 1.
+/// leave; if it returns, the program stops as it does without a handler: standard output and the
+/// open units are flushed, the message is one line on standard error, the exit status is 1, and no
+/// destructor or `atexit` function runs.
 using stop_handler = void (*)(std::string_view message);
 
 /// Sets the handler of every stop of the library, in all threads.
