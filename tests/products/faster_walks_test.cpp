@@ -6,7 +6,6 @@
 #include "passes.hpp"
 #include "products.hpp"
 
-#include <numeric>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -131,8 +130,7 @@ TEST_P(FasterWalk, GivesTheGraphProductOfTheTwoPasses) {
   csr_matrix_multiply_graph(left, right, paths);
   EXPECT_TRUE(are_same(paths, passes_of_graph(left, right)));
 
-  std::vector<std::int32_t> weights(static_cast<std::size_t>(right.n));
-  std::iota(weights.begin(), weights.end(), -3);
+  const std::vector<std::int32_t> weights = weights_for(left);
   csr_matrix_multiply_graph(left, right, paths, std::nullopt,
                             array_view<const std::int32_t>(weights));
   EXPECT_TRUE(are_same(paths, passes_of_graph(left, right, &weights)));

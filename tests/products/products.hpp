@@ -11,6 +11,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <functional>
 #include <optional>
@@ -64,6 +65,17 @@ inline void expect_refusals(const std::vector<std::optional<std::string>>& stops
     EXPECT_EQ(observe([&] { csr_matrix_deallocate(result); }).stop, std::nullopt);
     EXPECT_FALSE(result.ia.allocated() || result.ja.allocated() || result.a.allocated());
   }
+}
+
+// Weights for the vertices that edges of `left` lead to, and for no vertex behind the last of them.
+inline std::vector<std::int32_t> weights_for(const csr_matrix& left) {
+  const std::int32_t* const columns = left.ja.data();
+  const std::int32_t nnz = csr_matrix_num_nz(left);
+  const std::int32_t last = nnz > 0 ? *std::max_element(columns, columns + nnz) : 0;
+  std::vector<std::int32_t> weights;
+  for (std::int64_t j = 1; j <= last; ++j)
+    weights.push_back(static_cast<std::int32_t>(j * j % 97) - 48);
+  return weights;
 }
 
 // Rows for a property, with the record made of them: n by m, spare capacity or none.

@@ -12,7 +12,6 @@
 #include <cstdint>
 #include <cstdlib>
 #include <limits>
-#include <numeric>
 #include <vector>
 
 using namespace csr_matrix_mod;
@@ -97,8 +96,7 @@ RC_GTEST_PROP(RepeatedRows, AreTheRowsOfTheTwoPassesInAGraphProduct, ()) {
     RC_ASSERT(are_same(paths, counted));
   });
 
-  std::vector<std::int32_t> weights(static_cast<std::size_t>(right.n));
-  std::iota(weights.begin(), weights.end(), -5);
+  const std::vector<std::int32_t> weights = weights_for(of.left);
   const passes weighed = passes_of_graph(of.left, right, &weights);
   in_registers_of_every_width([&] {
     csr_matrix weighted;

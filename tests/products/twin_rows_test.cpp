@@ -10,7 +10,6 @@
 #include <algorithm>
 #include <cstdint>
 #include <limits>
-#include <numeric>
 #include <random>
 #include <vector>
 
@@ -80,9 +79,7 @@ bool looked_for(const csr_matrix& l, const csr_matrix& r) {
 
 // Of graphs and patterns, where paths of twins are worth the same. Both are patterns afterwards.
 void expect_patterns_of_the_passes(csr_matrix& l, csr_matrix& r) {
-  std::vector<std::int32_t> weights(static_cast<std::size_t>(r.n));
-  for (std::size_t j = 0; j < weights.size(); ++j)
-    weights[j] = static_cast<std::int32_t>(j * j % 97) - 48;
+  const std::vector<std::int32_t> weights = weights_for(l);
   csr_matrix product;
   observe([&] { csr_matrix_multiply_graph(l, r, product); });
   EXPECT_TRUE(are_same(product, passes_of_graph(l, r)));
