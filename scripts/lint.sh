@@ -34,7 +34,8 @@ sed 1d examples/first_program.cpp | diff build/readme_program -
 say "cppcheck"
 cppcheck --quiet --error-exitcode=1 --std=c++20 --language=c++ --platform=unix64 --inconclusive \
   --enable=warning,style,performance,portability --suppressions-list=tools/lint/cppcheck.txt \
-  -D__linux__ -D__GNUC__=12 -DMADV_HUGEPAGE=14 -I include -I apps/csrmat src include apps
+  -D__linux__ -D__GNUC__=12 -DMADV_HUGEPAGE=14 -DMFD_CLOEXEC=1 -I include -I apps/csrmat \
+  src include apps
 
 if [ "$only_library" ]; then
   say "clang-tidy, the library"
