@@ -5,8 +5,8 @@
 # results are left in build/bench-results: CSV, tables, plots.
 #
 #   scripts/bench.sh [--quick] [option of bench...]      (bench --help tells them)
-#   scripts/bench.sh --check     times nothing and installs no peer: is every result that is measured
-#                                the plain one, on small matrices?
+#   scripts/bench.sh --check [option of bench...]        times nothing and installs no peer: is every
+#                                                        result the plain one, on small matrices?
 set -eu
 . "$(dirname "$0")/lib/shell.sh"
 cd "$root"
@@ -14,7 +14,8 @@ cd "$root"
 if [ "${1:-}" = --check ]; then
   need_packages g++ cmake ninja-build libbenchmark-dev
   build_preset bench
-  exec build/bench/bench/bench --check --scale=0.001
+  shift
+  exec build/bench/bench/bench --check --scale=0.001 "$@"
 fi
 
 need_packages g++ cmake ninja-build libbenchmark-dev gnuplot-nox

@@ -31,6 +31,7 @@ compiler=$(sed -n 's/^CMAKE_CXX_COMPILER:[A-Z]*=//p' build/bench/CMakeCache.txt)
 } >"$counts"
 
 if [ "${1:-}" = --record ]; then
+  ! grep -v '^#' "$counts" | grep -qv ' [1-9][0-9]*$' || fail "Not all are counted: $counts"
   cp "$counts" "$record"
   cat "$record"
   exit
@@ -45,11 +46,13 @@ awk -v same_compiler="$same_compiler" '/^#/ { next }
   {
     name = $1 " " $2
     counted[name] = 1
-    verdict = $3 !~ /^[0-9]+$/ ? "NOT COUNTED" : !(name in recorded) ? "new" : "as recorded"
-    if ($3 > 1.03 * recorded[name] && name in recorded) verdict = same_compiler ? "MORE" : "more"
-    if ($3 < 0.97 * recorded[name] && verdict == "as recorded") verdict = "fewer: record it"
+    if ($3 !~ /^[1-9][0-9]*$/) verdict = "NOT COUNTED"
+    else if (!(name in recorded)) verdict = "new"
+    else if ($3 > 1.03 * recorded[name]) verdict = same_compiler ? "MORE" : "more"
+    else if ($3 < 0.97 * recorded[name]) verdict = "fewer: record it"
+    else verdict = "as recorded"
     if (verdict ~ /^(MORE|NOT)/) failed = 1
-    printf "%-40s %12d %12d  %s\n", name, $3, recorded[name], verdict
+    printf "%-40s %12d %12d  %s\n", name, $3, recorded[name] + 0, verdict
   }
   END {
     for (name in recorded)

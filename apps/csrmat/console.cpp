@@ -77,7 +77,8 @@ std::string standard_output_as_file(const std::string& path) {
   const int own = fileno(result_stream);
   struct stat file {};
   if (stat(path.c_str(), &file) != 0) return {};
-  const bool same = is_open_as(file, own) || is_open_as(file, STDOUT_FILENO);
+  const bool same =
+      is_open_as(file, own) || (held_lines != nullptr && is_open_as(file, fileno(held_lines)));
   return same ? "/dev/fd/" + std::to_string(own) : std::string();
 }
 

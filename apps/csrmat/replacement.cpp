@@ -29,7 +29,7 @@ std::filesystem::path followed(std::filesystem::path path) {
   return path;
 }
 
-// A name beside the file, for `mkstemp`, that is no longer than names may be.
+// A name beside the file, for `mkstemp`: names have 255 bytes at most.
 std::string name_beside(const std::filesystem::path& file) {
   constexpr std::size_t most = 200;
   const std::string name = file.filename().string().substr(0, most);

@@ -10,7 +10,8 @@
 namespace csrmat {
 
 // While this lives, the file is written beside its target, which keeps its old contents until
-// `commit`. A target that is no regular file (a device, a pipe) is written directly.
+// `commit`. A target that is no regular file (a device, a pipe), or an open one that has no name
+// any more, is written directly.
 class replacement {
  public:
   explicit replacement(const std::string& target);

@@ -181,9 +181,9 @@ void csr_matrix_set_type(csr_matrix& mat, matrix_type type);
 /// Is `mat` well formed? The routines trust their input; this one looks.
 /// Requires: nothing.
 /// Ensures: nothing when well formed, else the first broken rule in words: sizes not negative,
-/// `type` one of the two, `ia` of n+1 elements at least, ia(1) = 1, row starts that do not decrease,
-/// room for the entries in `ja` and (unless structure only) in `a`, columns within 1 to m. Sorting
-/// and repeats are not judged.
+/// `type` one of the two, `ia` of n+1 elements at least, ia(1) = 1, row starts that do not
+/// decrease, room for the entries in `ja` and (unless structure only) in `a`, columns within 1 to
+/// m. Sorting and repeats are not judged.
 /// Cost: O(n + entries).
 /// Stops: never.
 [[nodiscard]] std::optional<std::string> csr_matrix_check(const csr_matrix& mat);

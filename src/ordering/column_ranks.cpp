@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "column_ranks.hpp"
 
+#include "../support/vector_registers.hpp"
+
 namespace csr_matrix_mod {
 
 namespace {

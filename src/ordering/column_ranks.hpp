@@ -4,13 +4,9 @@
 // random columns take 0.55 of the time that 16 take, rows of up to 128 are faster than by radix.
 #pragma once
 
-#include "../support/vector_registers.hpp"
-
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <numeric>
 
 namespace csr_matrix_mod {
 
@@ -18,11 +14,6 @@ template <std::size_t Bytes>
 struct columns_at_once {
   typedef std::int32_t type __attribute__((vector_size(Bytes)));  // NOLINT(modernize-use-using)
   static constexpr std::int32_t number = Bytes / sizeof(std::int32_t);
-  static constexpr auto numbered = [] {
-    std::array<std::int32_t, Bytes / sizeof(std::int32_t)> of{};
-    std::iota(of.begin(), of.end(), 0);
-    return of;
-  }();
 };
 
 // Writes the places of `length` columns. Are all different, and their places 0, 1, 2 and so on?
@@ -53,12 +44,13 @@ template <std::size_t Bytes>
   return sum == length * (length - 1) / 2;
 }
 
+// As `rank_columns`; columns are read, and places written, up to a multiple of 16.
 struct column_ranks {
-  std::int32_t longest;  // row for which that is faster than other ways
+  std::int32_t longest;  // row for which this is faster than by radix
   bool (*rank)(const std::int32_t* column, std::int32_t length, std::int32_t* place);
 };
 
-// In the widest registers that are of use; `room` is a multiple of 16.
+// In the widest registers that are of use.
 [[nodiscard]] const column_ranks& ranks_in_widest_registers() noexcept;
 
 }  // namespace csr_matrix_mod

@@ -23,7 +23,7 @@ namespace csr_matrix_mod {
 // Short rows are sorted by counting for each entry those with a smaller column, longer ones by the
 // bits of their columns if these lie near each other, else by radix; none of it branches on a
 // comparison, half of which a processor guesses wrong. Against a sort by comparison of each row, 10
-// times as fast for 5 points a row, 11 for 27, 12 for 8 random columns, 16 for a band, 10 for
+// times as fast for 5 points a row, 12 for 27, 13 for 8 random columns, 17 for a band, 9 to 10 for
 // R-MAT; where a third of the columns are repeated, 1.4 to 5 times.
 class row_sorter {
  public:

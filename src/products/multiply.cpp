@@ -32,10 +32,9 @@ void csr_matrix_multiply(const csr_matrix& m1, const csr_matrix& m2, csr_matrix&
       [&](std::int32_t* mark) {
         if (type != matrix_structure_only)
           fill_product<diagonal::kept>(m1, m2, nc, m3, sums{m3.a.data()},
-                                       values_multiplied{m1.a.data(), m2.a.data()}, mark, most > 0);
+                                       values_multiplied{m1.a.data(), m2.a.data()}, mark, most);
         else
-          fill_product<diagonal::kept>(m1, m2, nc, m3, no_values{}, paths_counted{}, mark,
-                                       most > 0);
+          fill_product<diagonal::kept>(m1, m2, nc, m3, no_values{}, paths_counted{}, mark, most);
       });
 }
 
@@ -53,10 +52,10 @@ void csr_matrix_multiply_graph(const csr_matrix& g1, const csr_matrix& g2, csr_m
       [&](std::int32_t* mark) {
         if (wgt)
           fill_product<diagonal::skipped>(g1, g2, nc, g3, sums{g3.a.data()},
-                                          middle_vertex{wgt->data()}, mark, most > 0);
+                                          middle_vertex{wgt->data()}, mark, most);
         else
           fill_product<diagonal::skipped>(g1, g2, nc, g3, sums{g3.a.data()}, paths_counted{}, mark,
-                                          most > 0);
+                                          most);
       });
 }
 

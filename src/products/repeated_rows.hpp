@@ -241,7 +241,7 @@ class repeated_rows : public walk_alone {
         std::min<std::int64_t>(std::int64_t{rows_at_once} * of.entries, right_end_ - next));
   }
 
-  // Where values are not those of the left rows, the ones of some rows from row i on alone are there.
+  // What a path is worth without values is there for some rows from row i on alone.
   void turn_left(const row_pattern& of, std::int64_t i, std::int32_t rows,
                  double* left) const noexcept {
     if constexpr (Path::multiplies_values) {

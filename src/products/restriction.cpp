@@ -27,7 +27,7 @@ struct twin {
   decltype(product_size)* size;
   std::string_view kernel;
   void (*fill)(const csr_matrix& r, const csr_matrix& mp, csr_matrix& mc, std::int32_t* mark,
-               bool foreseen);
+               std::int64_t most);
 };
 
 // The third line shows the rows of r although its columns are compared; logs are searched for it.
@@ -57,7 +57,7 @@ void restriction(const csr_matrix& m1, const csr_matrix& p, const csr_matrix& r,
   products::form_product(
       mc, mp.m, most, form.routine, form.kernel,
       [&] { return form.size(r.n, mp.m, r.ia, r.ja, mp.ia, mp.ja); },
-      [&](std::int32_t* mark) { form.fill(r, mp, mc, mark, most > 0); });
+      [&](std::int32_t* mark) { form.fill(r, mp, mc, mark, most); });
 }
 
 }  // namespace
@@ -72,10 +72,10 @@ void csr_matrix_restriction(const csr_matrix& m1, const csr_matrix& p, const csr
                .size = product_size,
                .kernel = "matmul_normal",
                .fill = [](const csr_matrix& left, const csr_matrix& mp, csr_matrix& result,
-                          std::int32_t* mark, bool foreseen) {
+                          std::int32_t* mark, std::int64_t most) {
                  fill_product<diagonal::kept>(left, mp, mp.m, result, sums{result.a.data()},
                                               values_multiplied{left.a.data(), mp.a.data()}, mark,
-                                              foreseen);
+                                              most);
                }});
 }
 
@@ -89,10 +89,10 @@ void csr_matrix_graph_restriction(const csr_matrix& g1, const csr_matrix& p, con
                .size = product_size_graph,
                .kernel = "matmul_formgraph",
                .fill = [](const csr_matrix& left, const csr_matrix& mp, csr_matrix& result,
-                          std::int32_t* mark, bool foreseen) {
+                          std::int32_t* mark, std::int64_t most) {
                  fill_product<diagonal::skipped>(left, mp, mp.m, result, sums{result.a.data()},
                                                  values_multiplied{left.a.data(), mp.a.data()},
-                                                 mark, foreseen);
+                                                 mark, most);
                }});
 }
 

@@ -26,9 +26,11 @@ TEST(GalleryCommand, IsRepeatedByItsSeed) {
   const matrix_folder folder;
   for (const char* name : {"fem", "random"}) {
     expect_quiet({"gallery", name, folder.path("a.mtx"), "--size", "9", "--seed", "7"});
-    expect_quiet({"gallery", name, folder.path("b.mtx"), "--size", "9", "--seed", "7"});
+    expect_quiet({"gallery", name, folder.path("b.mtx"), "--size", "9", "--seed", "007"});
     expect_quiet({"gallery", name, folder.path("c.mtx"), "--size", "9", "--seed", "8"});
+    expect_quiet({"gallery", name, folder.path("d.mtx"), "--size", "9", "--seed", "08"});
     EXPECT_EQ(folder.read("a.mtx"), folder.read("b.mtx"));
+    EXPECT_EQ(folder.read("c.mtx"), folder.read("d.mtx"));
     EXPECT_NE(folder.read("a.mtx"), folder.read("c.mtx"));
   }
 }
