@@ -278,7 +278,6 @@ TEST(Transpose, OfShortUnevenRowsHoldsEveryEntryInItsColumn) {
   }
 }
 
-// A row ends with the last entry of all, and the next one, which begins there, ends before.
 TEST(Transpose, OfShortUnevenRowsSkipsOneThatEndsBeforeItBegins) {
   constexpr std::size_t n = 1 << 14;
   entry_rows rows(n);
@@ -286,10 +285,7 @@ TEST(Transpose, OfShortUnevenRowsSkipsOneThatEndsBeforeItBegins) {
     for (std::size_t left = (i * i / 7 + 2) % 4; left > 0; --left)
       rows[i].push_back({static_cast<std::int32_t>(i * left % 1000) + 1, 0.5});
   csr_matrix mat = real_matrix(1000, rows);
-  mat.ia(n / 2) = mat.ia(n + 1);
-  for (std::size_t i = n / 2 - 1; i < n; ++i)
-    rows[n / 2 - 2].insert(rows[n / 2 - 2].end(), rows[i].begin(), rows[i].end());
-  rows[n / 2 - 1].clear();
+  tests::end_before_it_begins(mat, rows, n / 2);
   csr_matrix mat_t;
   csr_matrix_transpose(mat, mat_t);
   EXPECT_EQ(entries_of(mat_t), tests::dense::transpose(rows, 1000));

@@ -298,15 +298,15 @@ TEST(AllVectors, OfUnevenRowsAgreeWithTheDenseSumsBitForBit) {
           0, 5003);
 }
 
-// A row that begins before the row before it, which is none then.
-TEST(AllVectors, OfUnevenRowsThatShareEntriesVisitThemAgain) {
+// Some uneven rows, so many that they are walked in steps, of which `change` moves a start.
+void expect_products_of_uneven_rows(void (*change)(csr_matrix&, column_rows&, std::size_t)) {
   constexpr std::int32_t n = 1 << 14;
   for (const std::int32_t kinds : {4, 9}) {
     column_rows rows(n);
     for (std::int32_t i = 0; i < n; ++i)
       rows[static_cast<std::size_t>(i)].assign(static_cast<std::size_t>(any_of(kinds, i)), i + 1);
     csr_matrix mat = pattern(n, rows);
-    begin_two_rows_earlier(mat, rows, n / 2);
+    change(mat, rows, n / 2);
     const ints x(n, 3), y(n, 9);
     EXPECT_EQ(applied(csr_matrix_multiply_ivector, mat, x, y), dense::times(rows, x));
     EXPECT_EQ(applied(csr_matrix_trans_mult_ivector, mat, x, y),
@@ -314,25 +314,13 @@ TEST(AllVectors, OfUnevenRowsThatShareEntriesVisitThemAgain) {
   }
 }
 
-// A row ends with the last entry of all, and the next one, which begins there, ends before.
+// A row that begins before the row before it, which is none then.
+TEST(AllVectors, OfUnevenRowsThatShareEntriesVisitThemAgain) {
+  expect_products_of_uneven_rows(begin_two_rows_earlier<column_rows>);
+}
+
 TEST(AllVectors, OfUnevenRowsSkipOneThatEndsBeforeItBegins) {
-  constexpr std::int32_t n = 1 << 14;
-  for (const std::int32_t kinds : {4, 9}) {
-    column_rows rows(n);
-    for (std::int32_t i = 0; i < n; ++i)
-      rows[static_cast<std::size_t>(i)].assign(static_cast<std::size_t>(any_of(kinds, i)), i + 1);
-    csr_matrix mat = pattern(n, rows);
-    mat.ia(n / 2) = mat.ia(n + 1);
-    for (std::int32_t i = n / 2 - 1; i < n; ++i) {
-      const auto& behind = rows[static_cast<std::size_t>(i)];
-      rows[n / 2 - 2].insert(rows[n / 2 - 2].end(), behind.begin(), behind.end());
-    }
-    rows[n / 2 - 1].clear();
-    const ints x(n, 3), y(n, 9);
-    EXPECT_EQ(applied(csr_matrix_multiply_ivector, mat, x, y), dense::times(rows, x));
-    EXPECT_EQ(applied(csr_matrix_trans_mult_ivector, mat, x, y),
-              dense::transpose_times(rows, n, x));
-  }
+  expect_products_of_uneven_rows(end_before_it_begins<column_rows>);
 }
 
 csr_matrix with_lengths(std::int32_t n, const std::function<std::int32_t(std::int32_t i)>& length) {

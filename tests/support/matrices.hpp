@@ -47,4 +47,15 @@ void begin_two_rows_earlier(csr_matrix& mat, Rows& rows, std::size_t row) {
   rows[row] = all;
 }
 
+// In the record and in `rows`, the row before row `row`, counted from 0, ends with the last entry of
+// all; row `row` begins there, ends before it begins, and has no entries any more.
+template <class Rows>
+void end_before_it_begins(csr_matrix& mat, Rows& rows, std::size_t row) {
+  mat.ia.data()[row] = mat.ia.data()[rows.size()];
+  auto& all = rows[row - 1];
+  for (std::size_t more = row; more < rows.size(); ++more)
+    all.insert(all.end(), rows[more].begin(), rows[more].end());
+  rows[row].clear();
+}
+
 }  // namespace tests
