@@ -31,14 +31,19 @@ struct stopped {
   std::string message;
 };
 
-// Stops throw, lines are dropped, and no input gets much storage: a reader that asks for what a
-// header invents is refused, and does not slow the others down.
+// No input gets more storage at a time: a reader that asks for what a header invents is refused,
+// and does not slow the others down. The usual buffer of a file is larger, so a target that opens
+// files sets a smaller one.
+inline constexpr std::size_t most_bytes = std::size_t{1} << 16;
+inline constexpr std::size_t usual_buffer = 4096;
+
+// Stops throw, lines are dropped.
 inline void prepare_library() {
   if (std::freopen("/dev/null", "w", stdout) == nullptr) std::abort();
   csr_matrix_mod::set_stop_handler(
       [](std::string_view message) { throw stopped{std::string(message)}; });
   csr_matrix_mod::detail::set_refusal(
-      [](std::size_t requested) noexcept { return requested > std::size_t{1} << 16; });
+      [](std::size_t requested) noexcept { return requested > most_bytes; });
 }
 
 // The stop message, if the call stopped.

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The tool end to end: the first two bytes choose a command line and the kind of its files, the
 // others are the matrix; what follows a form feed is the second operand.
+#include "../src/io/stream.hpp"
 #include "claims.hpp"
 #include "scratch_file.hpp"
 #include "target.hpp"
@@ -10,6 +11,8 @@
 #include <array>
 #include <filesystem>
 #include <memory>
+#include <string>
+#include <string_view>
 #include <vector>
 
 namespace fuzz {
@@ -25,10 +28,14 @@ class tool_target {
  public:
   tool_target() {
     prepare_library();
+    csr_matrix_mod::set_buffer_size(usual_buffer);
     for (const char* suffix : suffixes) {
       left_.emplace_back(std::make_unique<scratch_file>(folder_.path("a") + suffix));
       right_.emplace_back(std::make_unique<scratch_file>(folder_.path("b") + suffix));
     }
+    constexpr std::string_view sound = "%%MatrixMarket matrix coordinate real general\n1 1 0\n";
+    left_.front()->fill({reinterpret_cast<const std::uint8_t*>(sound.data()), sound.size()});
+    claim(status_of({"info", left_.front()->path()}) == EXIT_SUCCESS, "a sound file is read");
   }
 
   void run(bytes contents) {

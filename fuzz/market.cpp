@@ -34,8 +34,6 @@ class market_target {
   }
 
  private:
-  static constexpr std::size_t usual_buffer = 4096;
-
   static std::optional<std::string> load(const scratch_file& file, csr_matrix& mat,
                                          std::size_t buffer) {
     csr_matrix_mod::set_buffer_size(buffer);

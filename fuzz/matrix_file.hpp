@@ -58,8 +58,6 @@ class matrix_file_target {
   }
 
  private:
-  static constexpr std::size_t usual_buffer = 4096;
-
   std::optional<std::string> load(const scratch_file& file, csr_matrix& mat, std::size_t buffer) {
     csr_matrix_mod::set_buffer_size(buffer);
     auto stop = stop_of([&] { csr_matrix_load(file.path(), mat, form_); });

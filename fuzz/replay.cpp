@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <stdexcept>
 #include <vector>
 
 namespace {
@@ -24,6 +25,7 @@ std::vector<fs::path> files_in(const fs::path& given) {
 
 std::vector<std::uint8_t> contents_of(const fs::path& file) {
   std::ifstream in(file, std::ios::binary);
+  if (!in) throw std::runtime_error(file.string() + ": cannot be read");
   return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
 }
 

@@ -130,11 +130,17 @@ bool move_diagonal(entry_rows& rows) {
 }
 
 int requests_until_refusal = -1;
+bool refused = false;
 
-// One storage in `count` requests is refused, or none.
+// Of the requests from now on the one behind `count` others is refused, or none.
 void refuse_request(int count) {
   requests_until_refusal = count;
-  detail::set_refusal([](std::size_t) noexcept { return requests_until_refusal-- == 0; });
+  refused = false;
+  detail::set_refusal([](std::size_t requested) noexcept {
+    const bool refuse = requests_until_refusal-- == 0 || requested > most_bytes;
+    refused = refused || refuse;
+    return refuse;
+  });
 }
 
 class records {
@@ -488,7 +494,7 @@ class records {
 
   // Only storage can be short here.
   static void claim_shortage(const std::string& stop) {
-    claim(requests_until_refusal < 0, "nothing stops unless storage is refused", stop);
+    claim(refused, "nothing stops unless storage is refused", stop);
     claim(stop.find("alloc") != stop.npos || stop == " ", "a shortage is called so", stop);
   }
 
