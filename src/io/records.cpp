@@ -48,9 +48,11 @@ std::int32_t record_source::marker() {
   return value;
 }
 
+// The first record tells the byte order. A later one may be as long as another one's size in the
+// other order, for it may be longer than what is wanted of it.
 record_source::subrecord record_source::begin_subrecord(std::int64_t wanted) {
   const std::int32_t before = marker();
-  if (size_of(before) != wanted && size_of(other_byte_order(before)) == wanted)
+  if (number_ == 1 && size_of(before) != wanted && size_of(other_byte_order(before)) == wanted)
     refuse("expected " + bytes_text(wanted) + ", found them in the other byte order");
   return {size_of(before), before < 0};
 }

@@ -126,4 +126,20 @@ TEST_F(Records, InTheOtherByteOrderAreCalledSo) {
             ": record 1: expected 3 bytes, found them in the other byte order");
 }
 
+// 65536 bytes, of which 256 are wanted: in the other order the length of one is that of the other.
+TEST_F(Records, BehindTheFirstMayBeOfAnyLength) {
+  const std::string path = folder_.path("in");
+  tests::write_file(path, length(1) + "a" + length(1) + length(0x10000) +
+                              std::string(0x10000, 'b') + length(0x10000));
+  const auto file = open_stream(path, direction::reading);
+  byte_source source(file.get(), path);
+  record_source records(source);
+  std::string first(1, '?');
+  std::string second(0x100, '?');
+  records.read(first.data(), 1, surplus::passed_over);
+  records.read(second.data(), 0x100, surplus::passed_over);
+  EXPECT_EQ(first, "a");
+  EXPECT_EQ(second, std::string(0x100, 'b'));
+}
+
 }  // namespace
