@@ -8,10 +8,20 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <memory>
 #include <utility>
 
 namespace csr_matrix_mod::detail {
+
+// The bytes of so many elements (none when negative); all that there could be where a size cannot
+// tell, so that they are refused.
+template <class T>
+[[nodiscard]] constexpr std::size_t bytes_of(std::int64_t elements) noexcept {
+  constexpr std::size_t most = std::numeric_limits<std::size_t>::max();
+  const auto count = static_cast<std::uint64_t>(std::max<std::int64_t>(elements, 0));
+  return count > most / sizeof(T) ? most : static_cast<std::size_t>(count) * sizeof(T);
+}
 
 // As `obtain`, with every byte zero: the system hands out zero pages without touching them.
 [[nodiscard]] void* obtain_zeroed(std::size_t bytes) noexcept;
@@ -31,12 +41,11 @@ struct storage_access {
   [[nodiscard]] static bool resize(array_ref<T>& array, std::int64_t length) noexcept {
     auto* const owner = std::get_deleter<block_owner>(array.storage_);
     if (owner == nullptr || array.storage_.use_count() != 1) return copy(array, length);
-    const std::int64_t elements = std::max<std::int64_t>(length, 0);
-    void* const moved = resize_block(owner->block, static_cast<std::size_t>(elements) * sizeof(T));
+    void* const moved = resize_block(owner->block, bytes_of<T>(length));
     if (moved == nullptr) return false;
     owner->block = moved;
     array.storage_ = std::shared_ptr<T[]>(array.storage_, static_cast<T*>(moved));
-    array.length_ = elements;
+    array.length_ = std::max<std::int64_t>(length, 0);
     return true;
   }
 

@@ -31,7 +31,7 @@ class scratch {
   // False when there is no storage to be had; then there is none at all, whatever there was.
   [[nodiscard]] bool allocate(std::int64_t length, contents initial) noexcept {
     length_ = std::max<std::int64_t>(length, 0);
-    const std::size_t bytes = static_cast<std::size_t>(length_) * sizeof(T);
+    const std::size_t bytes = detail::bytes_of<T>(length_);
     storage_.reset(static_cast<T*>(initial == contents::zero ? detail::obtain_zeroed(bytes)
                                                              : detail::obtain(bytes)));
     if (initial == contents::filled_with_zero) std::fill(begin(), end(), T{});
