@@ -25,9 +25,9 @@ enum matrix_type : std::int32_t {
 
 /// A sparse matrix or graph in compressed rows.
 ///
-/// Row i occupies positions ia(i) to ia(i+1)-1 of `ja` and `a`; every index counts from 1, and
-/// ia(1) = 1. Rows need not be sorted and may repeat a column unless a routine says otherwise. The
-/// length of `ja` is the capacity; the number of entries is ia(n+1)-1.
+/// Row i occupies positions ia(i) to ia(i+1)-1 of `ja` and `a`; every index counts from 1, ia(1) =
+/// 1, and row starts do not decrease. Rows need not be sorted and may repeat a column unless a
+/// routine says otherwise. The length of `ja` is the capacity; the number of entries is ia(n+1)-1.
 ///
 ///     [ 10  .  20 ]      n = 2, m = 3     ia = 1 3 4
 ///     [  .  30  . ]                       ja = 1 3 2
@@ -55,7 +55,7 @@ struct csr_row {
 /// Ensures: `n` is set; `m` is set if given, else kept; `type` is set if given, else values; `ia`
 /// has max(n+1, 0) elements, undefined; `ja` and `a` are null.
 /// Cost: one allocation; nothing is initialised.
-/// Stops: "allocation error in csr_matrix_initial" when `ia` cannot be had.
+/// Stops: "allocation error in csr_matrix_initial" when `ia` cannot be had; all three are null.
 void csr_matrix_initial(std::int32_t n, csr_matrix& mat, std::optional<std::int32_t> m = {},
                         std::optional<matrix_type> type = {});
 

@@ -23,6 +23,7 @@ void csr_matrix_initial(std::int32_t n, csr_matrix& mat, std::optional<std::int3
                         std::optional<matrix_type> type) {
   mat.n = n;
   if (m) mat.m = *m;
+  mat.ia = {};
   mat.ja = {};
   mat.a = {};
   if (!mat.ia.allocate(std::int64_t{n} + 1)) stop("allocation error in csr_matrix_initial");

@@ -104,13 +104,14 @@ TEST(Initial, DropsWhatTheRecordHeldAndLeavesOtherReferencesTheirStorage) {
 }
 
 TEST(Initial, StopsWhenThereIsNoStorageForTheRowStarts) {
-  const auto stops = tests::refuse_each_request(
-      [] { return csr_matrix{}; }, [](csr_matrix& mat) { csr_matrix_initial(3, mat, 3); },
-      [](csr_matrix& mat) {
-        EXPECT_FALSE(mat.ia.allocated());
-        EXPECT_FALSE(mat.ja.allocated());
-        EXPECT_FALSE(mat.a.allocated());
-      });
+  const auto stops =
+      tests::refuse_each_request([] { return real_matrix(3, three_entries()); },
+                                 [](csr_matrix& mat) { csr_matrix_initial(3, mat, 3); },
+                                 [](csr_matrix& mat) {
+                                   EXPECT_FALSE(mat.ia.allocated());
+                                   EXPECT_FALSE(mat.ja.allocated());
+                                   EXPECT_FALSE(mat.a.allocated());
+                                 });
   EXPECT_EQ(stops, std::vector<std::string>{"allocation error in csr_matrix_initial"});
 }
 
