@@ -47,7 +47,7 @@ void csr_matrix_symmetrize(csr_matrix& mat);
 /// The undirected graph of mat: the pattern of mat + transpose of mat without its diagonal.
 /// Requires: as `csr_matrix_symmetrize`.
 /// Ensures: as `csr_matrix_symmetrize`, but no diagonal, and every value is 1.
-/// Cost: as `csr_matrix_symmetrize`.
+/// Cost: as `csr_matrix_symmetrize`; a marker of m integers and n+1 row starts in any case.
 /// Stops: as `csr_matrix_transpose` and `csr_matrix_sum_nodiag`, with `mat` unchanged. Warns as
 /// `csr_matrix_symmetrize`.
 void csr_matrix_symmetrize_nodiag(csr_matrix& mat);

@@ -31,8 +31,9 @@ namespace csr_matrix_mod {
 /// when absent; below 0 counts as 0); `m3` is neither operand. Shapes are not compared.
 /// Ensures: `m3` is m1's `n` by m2's `m`, also when `ncol` is given; rows in order of discovery;
 /// capacity is exactly the number of entries (1 if there are none).
-/// Cost: O(n + ncol + paths) and a look at the rows of `m2`; one marker of `ncol` integers, room
-/// for an entry a path as above, a bit for each row of the operands and some rows that repeat.
+/// Cost: O(n + ncol + paths) and a look at the rows of `m2`, and at its entries unless those of
+/// `m1` are fewer than a quarter of its rows; one marker of `ncol` integers, room for an entry a
+/// path as above, a bit for each row of the operands and some rows that repeat.
 /// Stops: as `csr_matrix_initial` and `csr_matrix_allocate`; as `matmul_size` and `matmul_normal`
 /// or `matmul_noval` when there is no room for the marker; "csr_matrix_multiply: COUNT entries do
 /// not fit, at most 2147483646". Warns as `csr_matrix_allocate` when there are no entries.
@@ -103,8 +104,7 @@ void csr_matrix_trans_mult_ivector(const csr_matrix& mat, array_view<const std::
 /// Ensures: `g3` has values and is g1's `n` by `ncol` (unlike `csr_matrix_multiply`, whose result
 /// keeps m2's `m`); no diagonal entries; rows in order of discovery; capacity is exactly the number
 /// of entries (1 if there are none).
-/// Cost: O(n + ncol + paths) and a look at the rows of `g2`; one marker of `ncol` integers, room
-/// for an entry a path as above, a bit for each row of the operands and some rows that repeat.
+/// Cost: as `csr_matrix_multiply`.
 /// Stops: as `csr_matrix_initial` and `csr_matrix_allocate`; as `matmul_size_graph` and
 /// `matmul_graph` or `matmul_wgraph` when there is no room for the marker;
 /// "csr_matrix_multiply_graph: COUNT entries do not fit, at most 2147483646". Warns as

@@ -48,7 +48,7 @@ void fill_product(const csr_matrix& m1, const csr_matrix& m2, std::int32_t ncol,
     using rows_together =
         std::conditional_t<counted, twin_paths<Diagonal, Values, Path>, twin_rows>;
     twins alike(of, m2.n);
-    if (!of_one && alike.look())
+    if (!of_one && right_rows_are_met(of, m2.n) && alike.look())
       return store_entries<Diagonal>(of, to, path, mark, rows_by_starts{of.ib.data()},
                                      rows_together(of, to, path, std::move(alike)));
   }

@@ -24,6 +24,13 @@ struct operands {
   array_view<const std::int32_t> ib, jb;
 };
 
+// Do left entries lead to a right row often enough that a look at all right entries is little
+// beside the paths? Else a product of a few rows, taken one after the other, would read the whole
+// right operand each time.
+[[nodiscard]] inline bool right_rows_are_met(const operands& of, std::int32_t right_rows) noexcept {
+  return of.ia.data()[of.n] - 1 >= right_rows / 4;
+}
+
 // The number of columns that row i of the product reaches. The marker holds the last row in which a
 // column was counted, 0 at first, so it need not be cleared between rows.
 template <diagonal Diagonal>

@@ -112,6 +112,18 @@ TEST(Allocations, OfAProductAreItsArraysTheCutAMarkerABitARowAndPatterns) {
   ASSERT_EQ(csr_matrix_num_nz(square), square_entries);
 }
 
+// The first line of the grid, taken out by unit rows: no bits of a right operand that is larger.
+TEST(Allocations, OfAProductOfFewRowsAreItsArraysTheCutAndAMarker) {
+  tests::entry_rows unit_rows(side);
+  for (std::int32_t i = 0; i < side; ++i) unit_rows[static_cast<std::size_t>(i)] = {{i + 1, 1.0}};
+  const csr_matrix line = tests::real_matrix(n, unit_rows);
+  const csr_matrix a = stencil();
+  csr_matrix product;
+  EXPECT_EQ(counted([&] { csr_matrix_multiply(line, a, product); }),
+            (requests{6, one_pass(side, rows, 5 * side, 4 * side - 2)}));
+  ASSERT_EQ(csr_matrix_num_nz(product), 4 * side - 2);
+}
+
 TEST(Allocations, OfAProductOfPatternsHaveNoValues) {
   const csr_matrix g = stencil_pattern();
   csr_matrix square;
