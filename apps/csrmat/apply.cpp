@@ -5,6 +5,7 @@
 #include "console.hpp"
 #include "failure.hpp"
 #include "files.hpp"
+#include "limits.hpp"
 #include "replacement.hpp"
 #include "structure.hpp"
 
@@ -117,6 +118,7 @@ void write_vector(const std::vector<double>& elements, const std::string& path) 
 
 void apply(const application& what) {
   const csr_matrix mat = with_values(read_matrix(what.matrix));
+  require_memory(std::int64_t{sizeof(double)} * mat.n, what.matrix + ": an element for each row");
   const std::vector<double> x = vector_reader(what.x, mat.m).read();
   std::vector<double> y(static_cast<std::size_t>(mat.n));
   csr_matrix_multiply_rvector(mat, x, y);

@@ -10,6 +10,7 @@
 #include <csr_matrix_mod/csr_matrix_mod.hpp>
 
 #include <chrono>
+#include <limits>
 #include <memory>
 #include <vector>
 
@@ -165,6 +166,7 @@ class builder {
       throw failure(what_.file + ": only a square matrix can be coarsened, this one is " +
                     std::to_string(mat.n) + " x " + std::to_string(mat.m));
     fitting_product(1, mat.n, what_.file + ": the entries of p");
+    require_memory_for_columns(mat.m, 4, what_.file + ": gathering its rows");
   }
 
   [[nodiscard]] std::string reason_to_stop() const {
@@ -212,13 +214,13 @@ class builder {
 
 void declare_coarsen(CLI::App& command) {
   const auto what = std::make_shared<coarsening>();
-  const CLI::Range positive(1, 2147483647);
+  const CLI::Validator positive = whole_number(1, std::numeric_limits<std::int32_t>::max());
   command.add_option("FILE", what->file, "The matrix, square")->required();
   command.add_option("--levels", what->levels, "Levels at most, the finest included")
-      ->check(positive)
+      ->transform(positive)
       ->capture_default_str();
   command.add_option("--min-rows", what->min_rows, "A level of no more rows is the last one")
-      ->check(positive)
+      ->transform(positive)
       ->capture_default_str();
   command.add_flag("--graph", what->graph, "Coarsen the weighted graph: off-diagonal entries only");
   command.add_option("--out", what->prefix, "Write each level as PREFIX.<level>.mtx")

@@ -2,6 +2,7 @@
 #include "files.hpp"
 
 #include "failure.hpp"
+#include "limits.hpp"
 #include "replacement.hpp"
 
 #include <fcntl.h>
@@ -155,6 +156,8 @@ file_kind output_kind(const std::string& path, std::optional<file_kind> to) {
 }
 
 void write_matrix(const std::string& path, file_kind kind, const csr_matrix& mat) {
+  if (kind == file_kind::hypergraph)
+    require_memory_for_columns(mat.m, 1, path + ": a line for each column");
   replacement file(path);
   try {
     if (kind == file_kind::market)

@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "gallery_matrices.hpp"
 
-#include "../../src/support/quoted.hpp"
-#include "../../src/support/read_number.hpp"
 #include "command.hpp"
 #include "failure.hpp"
 #include "files.hpp"
 
+#include <limits>
 #include <memory>
 #include <optional>
 
@@ -35,18 +34,6 @@ void gallery(const picture& what) {
   write_matrix(what.out, kind, make(what));
 }
 
-// Why the text is none; empty where it is one, which it spells in decimal digits then. CLI11 by
-// itself takes 010 for 8, and cuts what is too large.
-std::string made_seed(std::string& text) {
-  std::uint64_t seed = 0;
-  if (csr_matrix_mod::read_number(text, seed) == std::errc()) {
-    text = std::to_string(seed);
-    return {};
-  }
-  return "expected a whole number from 0 to 18446744073709551615, found " +
-         csr_matrix_mod::quoted(text);
-}
-
 }  // namespace
 
 void declare_gallery(CLI::App& command) {
@@ -60,9 +47,9 @@ void declare_gallery(CLI::App& command) {
       ->check(CLI::IsMember({"poisson2d", "poisson3d", "fem", "random"}));
   command.add_option("OUT", what->out, "The file to write")->required();
   command.add_option("--size", what->size, "SIZE; else 100 (poisson3d: 25, random: 10000)")
-      ->check(CLI::Range(1, 2147483646));
+      ->transform(whole_number(1, std::numeric_limits<std::int32_t>::max() - 1));
   command.add_option("--seed", what->seed, "Another fem mesh or random graph; else 1")
-      ->transform(CLI::Validator(made_seed, ""));
+      ->transform(whole_number<std::uint64_t>(0, std::numeric_limits<std::uint64_t>::max()));
   command.callback([what] { gallery(*what); });
 }
 

@@ -9,7 +9,7 @@
 
 #include <algorithm>
 #include <memory>
-#include <vector>
+#include <new>
 
 namespace csrmat {
 
@@ -60,7 +60,9 @@ std::int32_t condensed_columns(const csr_matrix& mat) {
   csr_matrix pattern;  // condensation works in place, and takes each column of a row once
   csr_matrix_assign(pattern, pattern_of(mat));
   if (csr_matrix_num_nz(pattern) > 0) csr_matrix_clean(pattern);
-  std::vector<std::int32_t> weights(static_cast<std::size_t>(mat.m), 1);
+  array_ref<std::int32_t> weights;
+  if (!weights.allocate(mat.m)) throw std::bad_alloc();
+  std::fill_n(weights.data(), mat.m, 1);
   csr_matrix_condense(pattern, weights);
   return pattern.m;
 }

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "csrmat.hpp"
 
+#include <unistd.h>
+
+#include <cstdint>
 #include <filesystem>
 
 namespace {
@@ -107,6 +110,18 @@ TEST(Convert, ReadsNoListing) {
   expect_quiet({"convert", folder.path("wide.mtx"), folder.path("wide.ij")});
   expect_refusal({"convert", folder.path("wide.ij"), folder.path("x.mtx")},
                  folder.path("wide.ij") + ": listings are written only, not read");
+}
+
+TEST(Convert, RefusesToListColumnsThatThisMachineHasNoMemoryFor) {
+  constexpr std::int64_t bytes = std::int64_t{4} * 2147483646;
+  if (std::int64_t{sysconf(_SC_PHYS_PAGES)} * sysconf(_SC_PAGESIZE) >= bytes)
+    GTEST_SKIP() << "this machine has it";
+  const matrix_folder folder;
+  folder.write("wide.mtx", "%%MatrixMarket matrix coordinate pattern general\n1 2147483646 0\n");
+  expect_refusal_about(
+      {"convert", folder.path("wide.mtx"), folder.path("wide.hgr")},
+      "wide.hgr: a line for each column needs 8589 MB of memory, this machine has ");
+  EXPECT_FALSE(std::filesystem::exists(folder.path("wide.hgr")));
 }
 
 TEST(Convert, MayWriteOverItsInput) {

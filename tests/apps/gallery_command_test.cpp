@@ -52,6 +52,16 @@ TEST(GalleryCommand, RefusesWhatIsNoSeed) {
       {"gallery", "fem", folder.path("x.mtx"), "--size", "3", "--seed", "18446744073709551615"});
 }
 
+TEST(GalleryCommand, TakesASizeInDecimalDigits) {
+  const matrix_folder folder;
+  expect_quiet({"gallery", "poisson2d", folder.path("a.mtx"), "--size", "10"});
+  expect_quiet({"gallery", "poisson2d", folder.path("b.mtx"), "--size", "010"});
+  EXPECT_EQ(folder.read("a.mtx"), folder.read("b.mtx"));
+  expect_refusal({"gallery", "poisson2d", folder.path("x.mtx"), "--size", "0x10"},
+                 "--size: expected a whole number from 1 to 2147483646, found '0x10'; "
+                 "see csrmat --help");
+}
+
 TEST(GalleryCommand, RefusesASizeThatDoesNotFit) {
   const matrix_folder folder;
   expect_refusal({"gallery", "poisson3d", folder.path("x.mtx"), "--size", "2000"},
