@@ -31,13 +31,17 @@ case $way in
   install)
     fresh_folder "$PREFIX"
     cmake --install "$BUILD" --prefix "$PREFIX"
+    tool=$PREFIX/bin/csrmat
+    [ ! -e "$tool" ] || env -u LD_LIBRARY_PATH "$tool" --version
     exit
     ;;
   find_package)
     build_with_cmake -DCMAKE_PREFIX_PATH="$PREFIX" -DWANTED_VERSION="$VERSION"
     ;;
   add_subdirectory)
-    build_with_cmake -DLIBRARY_SOURCE="$SOURCE"
+    # A shared library of a project that hides what it does not name.
+    build_with_cmake -DLIBRARY_SOURCE="$SOURCE" -DBUILD_SHARED_LIBS=ON \
+      -DCMAKE_CXX_VISIBILITY_PRESET=hidden
     ;;
   pkg_config)
     PKG_CONFIG_PATH=$PREFIX/$LIBDIR/pkgconfig
