@@ -77,7 +77,8 @@ const char* name(verdict found) {
 }
 
 verdict compare(const answer& expected, const answer& found) {
-  if (!same_elements(expected.starts, found.starts) ||
+  if (expected.n != found.n || expected.m != found.m ||
+      !same_elements(expected.starts, found.starts) ||
       expected.columns.size() != found.columns.size() ||
       expected.values.size() != found.values.size() || !same_elements(expected.bytes, found.bytes))
     return verdict::refused;

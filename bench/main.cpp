@@ -148,6 +148,22 @@ bench::answer answer_of(const bench::maker& make, const bench::problem& of) {
   return who->take();
 }
 
+// The names of files that are gone when this is.
+class scratch_files {
+ public:
+  scratch_files() = default;
+  scratch_files(const scratch_files&) = delete;
+  scratch_files& operator=(const scratch_files&) = delete;
+  ~scratch_files() {
+    for (const std::string& name : names_) std::remove(name.c_str());
+  }
+  const std::string& add(const std::string& name) { return names_.emplace_back(name); }
+  [[nodiscard]] std::size_t count() const { return names_.size(); }
+
+ private:
+  std::vector<std::string> names_;
+};
+
 struct participant {
   measurement told;
   bench::duration first;
@@ -163,8 +179,7 @@ class competition {
         (chosen.files / ("csr_matrix_mod-bench-" + std::to_string(::getpid()) + "-")).string();
     bench::set_for_children(memory);
     const auto file_of = [&](const std::string& name) {
-      files_.push_back(folder + std::to_string(files_.size()) + "-" + name);
-      return files_.back();
+      return files_.add(folder + std::to_string(files_.count()) + "-" + name);
     };
     problem.file = file_of("expected");
     expected_ = answer_of(of.plain, problem);
@@ -181,12 +196,6 @@ class competition {
       if (joins.told.found == verdict::refused) joins.process.reset();
     }
   }
-  competition(const competition&) = delete;
-  competition& operator=(const competition&) = delete;
-  ~competition() {
-    for (const std::string& file : files_) std::remove(file.c_str());
-  }
-
   // Each round times everybody once, all of it in random order.
   void race(int rounds);
   void weigh() {
@@ -211,9 +220,9 @@ class competition {
                                                                       : rounds;
   }
 
+  scratch_files files_;
   bench::answer expected_;
   std::vector<participant> participants_;
-  std::vector<std::string> files_;
 };
 
 // What Google Benchmark times goes to the measurements and nowhere else.
@@ -282,6 +291,17 @@ void list_all() {
   }
 }
 
+// Written again and again, so that a run that is given up leaves what it has measured.
+void write_all(const options& chosen, const std::vector<case_results>& all) {
+  if (chosen.output.empty()) return;
+  std::filesystem::create_directories(chosen.output);
+  write_csv(chosen.output / "results.csv", all);
+  write_markdown(chosen.output / "results.md", all, chosen.clock);
+  for (const regime memory : chosen.regimes)
+    write_ratios(chosen.output / (std::string("ratios-") + bench::name(memory) + ".dat"), all,
+                 bench::name(memory), chosen.clock);
+}
+
 std::vector<case_results> compete(const options& chosen) {
   std::vector<case_results> all;
   for (const bench::operation& of : bench::operations()) {
@@ -297,6 +317,7 @@ std::vector<case_results> compete(const options& chosen) {
           print_case(std::cout, contest.results(), chosen.clock);
         }
         all.push_back(contest.results());
+        if (!chosen.check) write_all(chosen, all);
       }
     }
   }
@@ -327,27 +348,32 @@ std::vector<bench::cost_point> curve(const options& chosen) {
   return points;
 }
 
-void write_all(const options& chosen, const std::vector<case_results>& all) {
-  if (chosen.output.empty()) return;
-  std::filesystem::create_directories(chosen.output);
-  write_csv(chosen.output / "results.csv", all);
-  write_markdown(chosen.output / "results.md", all, chosen.clock);
-  for (const regime memory : chosen.regimes)
-    write_ratios(chosen.output / (std::string("ratios-") + bench::name(memory) + ".dat"), all,
-                 bench::name(memory), chosen.clock);
+std::string described(const measurement& of) {
+  return of.memory_regime + ", " + of.operation + ", " + of.workload + ", " + of.contestant + ": " +
+         bench::name(of.found) + '\n';
 }
 
-// Nothing but the results: the library's must be the plain ones to the bit, a peer's may differ.
-int look(const std::vector<case_results>& all) {
+// Nothing but the results.
+void print_verdicts(std::ostream& out, const std::vector<case_results>& all) {
+  for (const case_results& results : all)
+    for (const measurement& of : results)
+      if (of.part != role::reference) out << described(of);
+}
+
+// The library's results must be the plain ones to the bit, those of a peer may differ.
+int status_of(const options& chosen, const std::vector<case_results>& all) {
   int status = EXIT_SUCCESS;
+  bool any = false;
   for (const case_results& results : all)
     for (const measurement& of : results) {
-      if (of.part == role::reference) continue;
-      std::cout << of.memory_regime << ", " << of.operation << ", " << of.workload << ", "
-                << of.contestant << ": " << bench::name(of.found) << '\n';
-      if (of.part != role::peer && of.found != verdict::same_bits) status = EXIT_FAILURE;
+      any = any || of.part == role::ours;
+      if (of.part != role::ours || of.found == verdict::same_bits) continue;
+      std::cerr << "not the plain result: " << described(of);
+      status = EXIT_FAILURE;
     }
-  return status;
+  if (any || !chosen.check) return status;
+  std::cerr << "no result of the library was looked at\n";
+  return EXIT_FAILURE;
 }
 
 int run(const options& chosen) {
@@ -358,14 +384,16 @@ int run(const options& chosen) {
   bench::set_for_this_process(regime::fresh);
   start_google_benchmark();
   const std::vector<case_results> all = compete(chosen);
-  if (chosen.check) return look(all);
+  if (chosen.check) {
+    print_verdicts(std::cout, all);
+    return status_of(chosen, all);
+  }
   print_goals(std::cout, all, chosen.clock);
-  write_all(chosen, all);
   if (chosen.curve) {
     const std::vector<bench::cost_point> points = curve(chosen);
     if (!chosen.output.empty()) write_costs(chosen.output, points);
   }
-  return EXIT_SUCCESS;
+  return status_of(chosen, all);
 }
 
 }  // namespace

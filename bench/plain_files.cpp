@@ -7,6 +7,7 @@
 #include <cstring>
 #include <memory>
 #include <stdexcept>
+#include <utility>
 
 namespace bench::plain {
 
@@ -21,6 +22,13 @@ stream open(const std::string& name, const char* mode) {
   stream file(std::fopen(name.c_str(), mode));
   if (file == nullptr) throw std::runtime_error("cannot open " + name);
   return file;
+}
+
+// A file system that is full may say so only now.
+void close_written(stream file, const std::string& name) {
+  const bool written = std::ferror(file.get()) == 0;
+  if (std::fclose(file.release()) != 0 || !written)
+    throw std::runtime_error("cannot write " + name);
 }
 
 // General editing, 20 columns, 8 digits: fixed where the exponent allows, else 0.dddddddd E form.
@@ -101,12 +109,13 @@ void read_record(std::FILE* file, T* items, std::size_t count) {
 }  // namespace
 
 void write_text(const matrix& a, const std::string& name) {
-  const stream file = open(name, "w");
+  stream file = open(name, "w");
   std::fprintf(file.get(), " F\n%10d%10d\n", a.n, a.m);
   for (const std::int32_t start : a.starts) std::fprintf(file.get(), "%10d\n", start);
   write_rows(file.get(), a,
              [&](std::size_t k) { std::fprintf(file.get(), "%10d\n", a.columns[k]); });
   write_rows(file.get(), a, [&](std::size_t k) { write_value(file.get(), a.values[k]); });
+  close_written(std::move(file), name);
 }
 
 void read_text(matrix& a, const std::string& name) {
@@ -131,7 +140,7 @@ void read_text(matrix& a, const std::string& name) {
 }
 
 void write_binary(const matrix& a, const std::string& name) {
-  const stream file = open(name, "wb");
+  stream file = open(name, "wb");
   const std::int32_t structure_only = 0;
   const std::int32_t shape[2] = {a.n, a.m};
   write_record(file.get(), &structure_only, 1);
@@ -139,6 +148,7 @@ void write_binary(const matrix& a, const std::string& name) {
   write_record(file.get(), a.starts.data(), a.starts.size());
   write_record(file.get(), a.columns.data(), a.columns.size());
   write_record(file.get(), a.values.data(), a.values.size());
+  close_written(std::move(file), name);
 }
 
 void read_binary(matrix& a, const std::string& name) {

@@ -20,9 +20,11 @@ fi
 
 need_packages g++ cmake ninja-build libbenchmark-dev gnuplot-nox
 # A peer that cannot be had is left out.
-(need_packages pkg-config gfortran libeigen3-dev libsuitesparse-dev libgraphblas-dev \
-  libsparskit-dev libarmadillo-dev librsb-dev libhypre-dev libpetsc-real-dev python3-scipy) ||
-  say "Going on with the peers that are there"
+peers='pkg-config gfortran libeigen3-dev libsuitesparse-dev libgraphblas-dev libsparskit-dev
+  libarmadillo-dev librsb-dev libhypre-dev libpetsc-real-dev python3-scipy'
+(need_packages $peers) || for package in $peers; do
+  (need_packages "$package") || say "Going on without $package"
+done
 
 build_preset bench
 

@@ -22,6 +22,8 @@ void write_array(const std::string& file, const array<T>& elements) {
   std::ofstream out(file, std::ios::binary);
   out.write(reinterpret_cast<const char*>(elements.data()),
             static_cast<std::streamsize>(elements.size() * sizeof(T)));
+  out.close();
+  if (!out) throw std::runtime_error("cannot write " + file);
 }
 
 template <class T>
