@@ -16,13 +16,14 @@ cmake --preset bench >/dev/null
 cmake --build --preset bench --target instructions
 
 program=build/bench/bench/instructions
+cases=$("$program")
 record=bench/instructions.txt
 counts=build/bench/instructions.txt
 compiler=$(sed -n 's/^CMAKE_CXX_COMPILER:[A-Z]*=//p' build/bench/CMakeCache.txt)
 {
   printf '# Instructions of one call, release, %s %s, %s\n' "$(basename "$compiler")" \
     "$("$compiler" -dumpfullversion)" "$(uname -m)"
-  "$program" | while read -r routine on; do
+  printf '%s\n' "$cases" | while read -r routine on; do
     instructions=$(valgrind --tool=callgrind --callgrind-out-file=/dev/null \
       --toggle-collect="csr_matrix_mod::$routine(*" "$program" "$routine $on" 2>&1 |
       sed -n 's/.*Collected : //p')

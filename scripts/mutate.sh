@@ -9,5 +9,5 @@ set -eu
 cd "$root"
 
 need_packages g++ cmake ninja-build libcli11-dev libgtest-dev librapidcheck-dev gfortran \
-  gnuplot-nox pkg-config python3
+  gnuplot-nox pkg-config python3 git
 exec nice -n 10 python3 tools/mutate/mutate.py --count "${1:-200}" --seed "${2:-1}"

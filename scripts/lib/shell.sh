@@ -13,7 +13,7 @@ fail() {
 # A package is there when what it is wanted for is: some systems have it from elsewhere.
 has_package() {
   case $1 in
-    clang | clang-format | clang-tidy | cmake | gcovr | gfortran | g++ | pkg-config | python3)
+    clang | clang-format | clang-tidy | cmake | gcovr | gfortran | git | g++ | pkg-config | python3)
       command -v "$1" ;;
     gnuplot-nox) command -v gnuplot ;;
     ninja-build) command -v ninja ;;

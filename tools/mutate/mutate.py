@@ -59,8 +59,10 @@ def run(command, **options):
 def copy_tree():
     """Files that did not change keep their time, so that nothing is compiled twice."""
     listed = run(["git", "-C", str(ROOT), "ls-files", "-z", "--cached", "--others",
-                  "--exclude-standard"]).stdout.split("\0")
-    wanted = {name for name in listed if name and (ROOT / name).is_file()}
+                  "--exclude-standard"])
+    if listed.returncode != 0:
+        sys.exit(f"git does not list the files of {ROOT}: {listed.stdout.strip()}")
+    wanted = {name for name in listed.stdout.split("\0") if name and (ROOT / name).is_file()}
     if TREE.exists():
         for old in TREE.rglob("*"):
             if old.is_file() and str(old.relative_to(TREE)) not in wanted:
@@ -83,7 +85,8 @@ class Build:
             "cmake", "-S", str(TREE), "-B", str(self.folder), "-G", "Ninja",
             "-D", "CMAKE_BUILD_TYPE=Debug", "-D", f"CMAKE_CXX_FLAGS={flags}",
             "-D", "CMAKE_CXX_FLAGS_DEBUG=",
-            "-D", "BUILD_SHARED_LIBS=ON", "-D", "CSR_MATRIX_MOD_BUILD_EXAMPLES=OFF"])
+            "-D", "BUILD_SHARED_LIBS=ON", "-D", "CMAKE_LINK_DEPENDS_NO_SHARED=ON",
+            "-D", "CSR_MATRIX_MOD_BUILD_EXAMPLES=OFF"])
         if configured.returncode != 0:
             sys.exit(configured.stdout)
         built = self.ninja()
@@ -151,14 +154,13 @@ class Build:
         return hashlib.sha256(self.shared_object.resolve().read_bytes()).digest()
 
     def killer(self, bug):
-        """The first program that notices, or None. A program that shares a changed header is built
-        anew before it runs."""
+        """The first program that notices, or None. Each is built anew before it runs where it shares
+        a header that has changed, or had the bug before this one."""
         chapter = bug.file.split("/")[1]
-        header = bug.file.endswith(".hpp")
         for program in self.in_order(chapter):
             target = str(pathlib.Path(program).relative_to(self.folder)) if pathlib.Path(
                 program).is_relative_to(self.folder) else ""
-            if header and target and self.ninja(pathlib.Path(target).name).returncode != 0:
+            if target and self.ninja(pathlib.Path(target).name).returncode != 0:
                 return "the compiler"
             if not self.passes(program, 10 + 5 * self.seconds[program]):
                 return pathlib.Path(program).name
