@@ -18,6 +18,8 @@
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <system_error>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -148,20 +150,26 @@ bench::answer answer_of(const bench::maker& make, const bench::problem& of) {
   return who->take();
 }
 
-// The names of files that are gone when this is.
+// Paths that belong to one contestant each; what begins with one of them is gone when this is.
 class scratch_files {
  public:
-  scratch_files() = default;
+  explicit scratch_files(std::filesystem::path folder) : folder_(std::move(folder)) {}
   scratch_files(const scratch_files&) = delete;
   scratch_files& operator=(const scratch_files&) = delete;
   ~scratch_files() {
-    for (const std::string& name : names_) std::remove(name.c_str());
+    std::error_code ignored;
+    for (const auto& file : std::filesystem::directory_iterator(folder_, ignored))
+      if (file.path().filename().string().starts_with(prefix_))
+        std::filesystem::remove(file.path(), ignored);
   }
-  const std::string& add(const std::string& name) { return names_.emplace_back(name); }
-  [[nodiscard]] std::size_t count() const { return names_.size(); }
+  std::string path_for(const std::string& name) {
+    return folder_ / (prefix_ + std::to_string(count_++) + "-" + name);
+  }
 
  private:
-  std::vector<std::string> names_;
+  std::filesystem::path folder_;
+  std::string prefix_ = "csr_matrix_mod-bench-" + std::to_string(::getpid()) + "-";
+  int count_ = 0;
 };
 
 struct participant {
@@ -174,17 +182,13 @@ struct participant {
 class competition {
  public:
   competition(const bench::operation& of, const std::string& workload, double goal,
-              bench::problem& problem, regime memory, const options& chosen) {
-    const std::string folder =
-        (chosen.files / ("csr_matrix_mod-bench-" + std::to_string(::getpid()) + "-")).string();
+              bench::problem& problem, regime memory, const options& chosen)
+      : files_(chosen.files) {
     bench::set_for_children(memory);
-    const auto file_of = [&](const std::string& name) {
-      return files_.add(folder + std::to_string(files_.count()) + "-" + name);
-    };
-    problem.file = file_of("expected");
+    problem.file = files_.path_for("expected");
     expected_ = answer_of(of.plain, problem);
     for (const entrant& who : entrants(of, chosen)) {
-      problem.file = file_of(who.name);
+      problem.file = files_.path_for(who.name);
       participant& joins = participants_.emplace_back();
       joins.told = {bench::name(memory), of.name, workload, goal, who.name, who.part,
                     verdict::refused,    {},      {},       {}};
