@@ -93,6 +93,21 @@ TEST(Restriction, MayHaveADifferentNumberOfRowsAndColumns) {
             (entry_rows{{{2, 2.0}}, {}, {{1, 3.0}, {2, 0.0}}}));
 }
 
+// Four rows of r are the same, and lead to more columns of p than there are fine rows.
+TEST(Restriction, MayHaveMoreColumnsThanThereAreFineRows) {
+  constexpr std::int32_t columns = 50;
+  entry_rows fine(2);
+  entry_rows::value_type sums;
+  for (std::int32_t j = 1; j <= columns; ++j) {
+    fine[0].push_back({j, 1.0 * j});
+    fine[1].push_back({j, 100.0 * j});
+    sums.push_back({j, 101.0 * j});
+  }
+  const csr_matrix p = real_matrix(columns, fine);
+  const csr_matrix r = real_matrix(2, entry_rows(4, {{1, 1.0}, {2, 1.0}}));
+  EXPECT_EQ(entries_of(restricted(csr_matrix_restriction, identity(2), p, r)), entry_rows(4, sums));
+}
+
 TEST(Restriction, OfNothingWarnsForBothProducts) {
   const csr_matrix nothing = real_matrix(0, {});
   csr_matrix mc;
