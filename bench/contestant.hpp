@@ -41,7 +41,7 @@ class contestant {
   virtual ~contestant() = default;
 
   // Not timed: drops the last result and lays out what `run` will change. Vectors to be written
-  // are zero, so that no call pays for their memory.
+  // are zero, so that a call to which they are given does not pay for their memory.
   virtual void prepare() = 0;
   virtual duration run() = 0;
   // The result of the last run.

@@ -43,10 +43,12 @@ constexpr const char* usage = R"(usage: bench [option...]
   --workload=TEXT      only workloads with this text in their name
   --only=NAME,...      only these contestants, beside plain
   --curve              cost against size too
-  --check              look at the results, time nothing; status 1 if one of ours differs
+  --check              look at the results, time nothing; status 1 if none of ours was looked at
   --output=FOLDER      CSV, tables and data for plots go there (nowhere)
   --files=FOLDER       where files are written and read (/dev/shm if there is one)
   --list               the operations, workloads and contestants
+
+Status 1 if a result of ours is not the plain one.
 )";
 
 struct options {
@@ -150,7 +152,7 @@ bench::answer answer_of(const bench::maker& make, const bench::problem& of) {
   return who->take();
 }
 
-// Paths that belong to one contestant each; what begins with one of them is gone when this is.
+// Paths that belong to one contestant each; all that begins as they do is gone when this is.
 class scratch_files {
  public:
   explicit scratch_files(std::filesystem::path folder) : folder_(std::move(folder)) {}
@@ -158,9 +160,10 @@ class scratch_files {
   scratch_files& operator=(const scratch_files&) = delete;
   ~scratch_files() {
     std::error_code ignored;
-    for (const auto& file : std::filesystem::directory_iterator(folder_, ignored))
-      if (file.path().filename().string().starts_with(prefix_))
-        std::filesystem::remove(file.path(), ignored);
+    for (std::filesystem::directory_iterator file(folder_, ignored), end; file != end;
+         file.increment(ignored))
+      if (file->path().filename().string().starts_with(prefix_))
+        std::filesystem::remove(file->path(), ignored);
   }
   std::string path_for(const std::string& name) {
     return folder_ / (prefix_ + std::to_string(count_++) + "-" + name);
@@ -200,6 +203,7 @@ class competition {
       if (joins.told.found == verdict::refused) joins.process.reset();
     }
   }
+
   // Each round times everybody once, all of it in random order.
   void race(int rounds);
   void weigh() {

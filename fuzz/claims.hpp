@@ -31,11 +31,12 @@ struct stopped {
   std::string message;
 };
 
-// No input gets more storage at a time: a reader that asks for what a header invents is refused,
-// and does not slow the others down. The usual buffer of a file is larger, so a target that opens
-// files sets a smaller one.
+// No input gets more than so much storage at a time: a reader that asks for what a header invents
+// is refused, and does not slow the others down.
 inline constexpr std::size_t most_bytes = std::size_t{1} << 16;
-inline constexpr std::size_t usual_buffer = 4096;
+
+// The buffer of a file that is granted; the library's own is larger than that.
+inline constexpr std::size_t granted_buffer = 4096;
 
 // Stops throw, lines are dropped.
 inline void prepare_library() {

@@ -28,7 +28,7 @@ class tool_target {
  public:
   tool_target() {
     prepare_library();
-    csr_matrix_mod::set_buffer_size(usual_buffer);
+    csr_matrix_mod::set_buffer_size(granted_buffer);
     for (const char* suffix : suffixes) {
       left_.emplace_back(std::make_unique<scratch_file>(folder_.path("a") + suffix));
       right_.emplace_back(std::make_unique<scratch_file>(folder_.path("b") + suffix));

@@ -16,7 +16,7 @@ class market_target {
   void run(bytes contents) {
     input_.fill(contents);
     csr_matrix mat;
-    const auto stop = load(input_, mat, usual_buffer);
+    const auto stop = load(input_, mat, granted_buffer);
     if (stop) claim_clear(*stop);
     if (!stop || contents.size() % 8 == 0) {
       csr_matrix other;
@@ -28,7 +28,7 @@ class market_target {
     claim_well_formed(mat, "what is read is well formed");
     csr_matrix_write_market(output_.path(), mat);
     csr_matrix again;
-    const auto refusal = load(output_, again, usual_buffer);
+    const auto refusal = load(output_, again, granted_buffer);
     claim(!refusal, "what was written can be read", refusal.value_or(""));
     claim(same_bits(mat, again), "what was written is read with the same bits");
   }
@@ -38,7 +38,7 @@ class market_target {
                                          std::size_t buffer) {
     csr_matrix_mod::set_buffer_size(buffer);
     auto stop = stop_of([&] { csr_matrix_read_market(file.path(), mat); });
-    csr_matrix_mod::set_buffer_size(usual_buffer);
+    csr_matrix_mod::set_buffer_size(granted_buffer);
     return stop;
   }
 

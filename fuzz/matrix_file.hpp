@@ -39,7 +39,7 @@ class matrix_file_target {
   void run(bytes contents) {
     input_.fill(contents);
     csr_matrix mat;
-    const std::optional<std::string> stop = load(input_, mat, usual_buffer);
+    const std::optional<std::string> stop = load(input_, mat, granted_buffer);
     if (stop)
       claim_clear(*stop);
     else
@@ -61,7 +61,7 @@ class matrix_file_target {
   std::optional<std::string> load(const scratch_file& file, csr_matrix& mat, std::size_t buffer) {
     csr_matrix_mod::set_buffer_size(buffer);
     auto stop = stop_of([&] { csr_matrix_load(file.path(), mat, form_); });
-    csr_matrix_mod::set_buffer_size(usual_buffer);
+    csr_matrix_mod::set_buffer_size(granted_buffer);
     return stop;
   }
 
@@ -88,7 +88,7 @@ class matrix_file_target {
   void write_and_load(const csr_matrix& mat) {
     csr_matrix again;
     const std::string first = written(mat);
-    const auto stop = load(output_, again, usual_buffer);
+    const auto stop = load(output_, again, granted_buffer);
     claim(!stop, "what was written can be loaded", stop.value_or(""));
     if (form_) claim(same_bits(mat, again), "what was written is loaded with the same bits");
     claim(written(again) == first, "what was loaded is written with the same bytes", first);

@@ -42,8 +42,8 @@ for target; do
     >"$log" 2>&1 || {
     status=1
     grep -E 'ERROR|SUMMARY|Test unit written' "$log" || tail -n 5 "$log"
-    found=$(sed -n 's/.*Test unit written to //p' "$log")
-    [ -z "$found" ] || "build/fuzz/fuzz/fuzz_$target" "$found" 2>&1 | grep 'not so' || true
+    found=$(sed -n 's/.*Test unit written to //p' "$log" | tail -n 1)
+    [ -z "$found" ] || "build/fuzz/fuzz/fuzz_$target" -timeout=20 "$found" 2>&1 | grep 'not so' || true
   }
   awk -v target="$target" '
     /cov: [0-9]/ { for (k = 1; k < NF; ++k) if ($k == "cov:" || $k == "ft:") seen[$k] = $(k + 1) }

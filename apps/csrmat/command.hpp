@@ -26,8 +26,8 @@ void declare_multiply(CLI::App& command);
 void declare_sum(CLI::App& command);
 void declare_apply(CLI::App& command);
 
-// Takes a whole number in that range, in decimal digits. CLI11 by itself takes 010 for 8, and cuts
-// what is too large.
+// Takes a whole number from `least` to `most`, in decimal digits. CLI11 by itself takes 010 for 8,
+// and cuts what is too large.
 template <class Number>
 CLI::Validator whole_number(Number least, Number most) {
   const auto made_decimal = [least, most](std::string& text) -> std::string {

@@ -31,9 +31,9 @@ namespace csr_matrix_mod {
 /// when absent; below 0 counts as 0); `m3` is neither operand. Shapes are not compared.
 /// Ensures: `m3` is m1's `n` by m2's `m`, also when `ncol` is given; rows in order of discovery;
 /// capacity is exactly the number of entries (1 if there are none).
-/// Cost: O(n + ncol + paths) and a look at the rows of `m2`, and at its entries unless those of
-/// `m1` are fewer than a quarter of its rows; one marker of `ncol` integers, room for an entry a
-/// path as above, a bit for each row of the operands and some rows that repeat.
+/// Cost: O(n + ncol + paths) and a look at the rows of `m2`, and at its entries unless `m1` has
+/// fewer than a quarter as many as `m2` has rows; one marker of `ncol` integers, room for an entry
+/// a path as above, a bit for each row of the operands and some rows that repeat.
 /// Stops: as `csr_matrix_initial` and `csr_matrix_allocate`; as `matmul_size` and `matmul_normal`
 /// or `matmul_noval` when there is no room for the marker; "csr_matrix_multiply: COUNT entries do
 /// not fit, at most 2147483646". Warns as `csr_matrix_allocate` when there are no entries.

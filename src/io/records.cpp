@@ -48,8 +48,8 @@ std::int32_t record_source::marker() {
   return value;
 }
 
-// The first record tells the byte order. A later one may be as long as another one's size in the
-// other order, for it may be longer than what is wanted of it.
+// The first record tells the byte order. The length of a later one, read in the other order, may
+// happen to be what is wanted: records may be longer than that.
 record_source::subrecord record_source::begin_subrecord(std::int64_t wanted) {
   const std::int32_t before = marker();
   if (number_ == 1 && size_of(before) != wanted && size_of(other_byte_order(before)) == wanted)

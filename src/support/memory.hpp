@@ -14,8 +14,8 @@
 
 namespace csr_matrix_mod::detail {
 
-// The bytes of so many elements (none when negative); all that there could be where a size cannot
-// tell, so that they are refused.
+// The bytes of so many elements (none when negative); the largest size where none can tell them,
+// which nobody has.
 template <class T>
 [[nodiscard]] constexpr std::size_t bytes_of(std::int64_t elements) noexcept {
   constexpr std::size_t most = std::numeric_limits<std::size_t>::max();

@@ -109,16 +109,6 @@ TEST(Convert, ReadsNoListing) {
                  folder.path("wide.ij") + ": listings are written only, not read");
 }
 
-TEST(Convert, RefusesToListColumnsThatThisMachineHasNoMemoryFor) {
-  if (tests::has_memory_for_columns(1)) GTEST_SKIP() << "this machine has it";
-  const matrix_folder folder;
-  folder.write("wide.mtx", "%%MatrixMarket matrix coordinate pattern general\n1 2147483646 0\n");
-  expect_refusal_about(
-      {"convert", folder.path("wide.mtx"), folder.path("wide.hgr")},
-      "wide.hgr: a line for each column needs 8589 MB of memory, this machine has ");
-  EXPECT_FALSE(std::filesystem::exists(folder.path("wide.hgr")));
-}
-
 TEST(Convert, MayWriteOverItsInput) {
   const matrix_folder folder;
   expect_quiet({"convert", folder.path("square.mtx"), folder.path("square.mtx"), "--to", "text"});

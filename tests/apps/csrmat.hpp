@@ -6,10 +6,8 @@
 #include "../support/process.hpp"
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <algorithm>
-#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -44,12 +42,6 @@ inline void expect_refusal_about(const std::vector<std::string>& arguments,
   EXPECT_EQ(seen.out, "");
   EXPECT_NE(seen.err.find(word), std::string::npos) << seen.err;
   EXPECT_EQ(std::count(seen.err.begin(), seen.err.end(), '\n'), 1) << seen.err;
-}
-
-// Has this machine memory for so many integers for each of as many columns as there can be?
-inline bool has_memory_for_columns(std::int64_t integers) {
-  return std::int64_t{sysconf(_SC_PHYS_PAGES)} * sysconf(_SC_PAGESIZE) >=
-         integers * 4 * std::int64_t{2147483646};
 }
 
 // A folder with a few small matrices.

@@ -58,8 +58,12 @@ TEST(Usage, AMissingArgumentEndsInOneLine) {
 }
 
 TEST(Usage, ANumberOutOfRangeEndsInOneLine) {
-  for (const char* number : {"0", "-3", "2147483648", "99999999999999999999", "many", "1.5"})
-    expect_refusal_about({"coarsen", "x.mtx", "--levels", number}, "--levels");
+  for (const char* number : {"0", "-3", "2147483648", "99999999999999999999", "many", "1.5", "0x2"})
+    for (const char* option : {"--levels", "--min-rows"})
+      expect_refusal({"coarsen", "x.mtx", option, number},
+                     std::string(option) +
+                         ": expected a whole number from 1 to 2147483647, found '" + number +
+                         "'; see csrmat --help");
   expect_refusal_about({"gallery", "fem", "x.mtx", "--size", "0"}, "--size");
   expect_refusal_about({"gallery", "fem", "x.mtx", "--seed", "-1"}, "--seed");
 }

@@ -3,10 +3,11 @@
 # Builds the first program the way a user of the library would, runs it, and compares what it
 # prints. CXX and CXXFLAGS are those of the build under test.
 #
-#   consume.sh install|find_package|add_subdirectory|pkg_config|compiler_line
+#   consume.sh install|find_package|add_subdirectory|shared_library|pkg_config|compiler_line
 #
 # Set by tests/consumer/CMakeLists.txt: SOURCE and BUILD (this project), GENERATOR, PREFIX (where
-# `install` puts the library), LIBDIR, VERSION, WORK (a folder to build in).
+# `install` puts the library), LIBDIR, VERSION, APPS (is there a tool? ON or OFF), WORK (a folder to
+# build in).
 set -eu
 
 way=$1
@@ -31,17 +32,27 @@ case $way in
   install)
     fresh_folder "$PREFIX"
     cmake --install "$BUILD" --prefix "$PREFIX"
-    tool=$PREFIX/bin/csrmat
-    [ ! -e "$tool" ] || env -u LD_LIBRARY_PATH "$tool" --version
     exit
     ;;
   find_package)
     build_with_cmake -DCMAKE_PREFIX_PATH="$PREFIX" -DWANTED_VERSION="$VERSION"
     ;;
   add_subdirectory)
-    # A shared library of a project that hides what it does not name.
-    build_with_cmake -DLIBRARY_SOURCE="$SOURCE" -DBUILD_SHARED_LIBS=ON \
-      -DCMAKE_CXX_VISIBILITY_PRESET=hidden
+    build_with_cmake -DLIBRARY_SOURCE="$SOURCE"
+    ;;
+  shared_library)
+    # Built by somebody who hides what is not named otherwise, and moved once it is installed.
+    cmake -S "$SOURCE" -B "$work" -G "$GENERATOR" -DBUILD_SHARED_LIBS=ON \
+      -DCMAKE_CXX_VISIBILITY_PRESET=hidden -DCSR_MATRIX_MOD_BUILD_APPS="$APPS" \
+      -DCSR_MATRIX_MOD_BUILD_EXAMPLES=OFF -DCSR_MATRIX_MOD_BUILD_TESTS=OFF
+    cmake --build "$work"
+    cmake --install "$work" --prefix "$work/installed"
+    mv "$work/installed" "$work/moved"
+    unset LD_LIBRARY_PATH
+    [ "$APPS" = OFF ] || "$work/moved/bin/csrmat" --version
+    $CXX $CXXFLAGS -std=c++20 -o "$work/first_program" "$first_program" \
+      -I "$work/moved/include" -L "$work/moved/$LIBDIR" -lcsr_matrix_mod \
+      "-Wl,-rpath,$work/moved/$LIBDIR"
     ;;
   pkg_config)
     PKG_CONFIG_PATH=$PREFIX/$LIBDIR/pkgconfig

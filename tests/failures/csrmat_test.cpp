@@ -12,6 +12,8 @@
 #include <iterator>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 namespace {
 
@@ -32,10 +34,9 @@ void expect_one_line(const process_result& seen) {
   EXPECT_NE(reason.find_first_not_of(" \n"), reason.npos) << seen.err;
 }
 
-// The command line with request k refused by what is loaded before the program.
-process_result csrmat_refused(int k, const std::vector<std::string>& arguments) {
-  std::vector<std::string> words = {"env", "LD_PRELOAD=" REFUSE_MEMORY,
-                                    "REFUSED_REQUEST=" + std::to_string(k), CSRMAT};
+// The command line, with what is loaded before the program set so.
+process_result csrmat_with(const std::string& setting, const std::vector<std::string>& arguments) {
+  std::vector<std::string> words = {"env", "LD_PRELOAD=" REFUSE_MEMORY, setting, CSRMAT};
   words.insert(words.end(), arguments.begin(), arguments.end());
   return tests::run_process(words);
 }
@@ -55,7 +56,8 @@ int refused_requests(const std::string& command) {
     std::filesystem::remove(target);
     tests::write_file(target, before);
     const auto files = files_in(folder);
-    const process_result seen = csrmat_refused(k, {command, source, target});
+    const process_result seen =
+        csrmat_with("REFUSED_REQUEST=" + std::to_string(k), {command, source, target});
     EXPECT_EQ(files_in(folder), files);
     if (seen.status == 0) {
       ++successes;
@@ -78,6 +80,38 @@ TEST(CsrmatWithoutMemory, SaysSoInOneLineAndReplacesTheFileWholeOrNotAtAll) {
     const int refused = refused_requests(command);
     EXPECT_GT(refused, 20);
     RecordProperty(command, refused);
+  }
+}
+
+// A header of a few bytes may name rows and columns for which a machine of 10 pages has no memory.
+TEST(CsrmatOnASmallMachine, RefusesWhatItHasNoMemoryFor) {
+  if (std::string_view(REFUSE_MEMORY).empty())
+    GTEST_SKIP() << "a sanitizer or a counter has the memory of this build";
+  const matrix_folder folder;
+  const std::string matrix = folder.path("large.mtx");
+  const std::string other = folder.path("other.mtx");
+  const std::string x = folder.path("x.txt");
+  folder.write("large.mtx", "%%MatrixMarket matrix coordinate real general\n90000 90000 0\n");
+  folder.write("other.mtx", "%%MatrixMarket matrix coordinate real general\n90000 1 0\n");
+  folder.write("x.txt", "1\n");
+  const std::string columns = ": work on its columns";
+  const std::vector<std::pair<std::vector<std::string>, std::string>> commands = {
+      {{"info", matrix}, matrix + ": condensing its columns"},
+      {{"convert", matrix, folder.path("new.hgr")},
+       folder.path("new.hgr") + ": a line for each column"},
+      {{"coarsen", matrix}, matrix + ": gathering its rows"},
+      {{"sort", matrix, folder.path("new.mtx")}, matrix + columns},
+      {{"multiply", matrix, matrix, folder.path("new.mtx")}, matrix + columns},
+      {{"apply", other, x}, other + ": an element for each row"}};
+  const auto files = files_in(folder);
+  for (const auto& [arguments, what] : commands) {
+    const process_result seen = csrmat_with("PHYSICAL_PAGES=10", arguments);
+    expect_one_line(seen);
+    EXPECT_EQ(seen.err.rfind("csrmat: " + what + " needs ", 0), 0U) << seen.err;
+    EXPECT_EQ(files_in(folder), files);
+    EXPECT_EQ(csrmat(arguments).status, 0) << what;
+    std::filesystem::remove(folder.path("new.hgr"));
+    std::filesystem::remove(folder.path("new.mtx"));
   }
 }
 

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Loaded before a program, this refuses it one request for memory, the one that REFUSED_REQUEST
-// names, counted from 0 on from the beginning of main.
+// names, counted from 0 on from the beginning of main; and where PHYSICAL_PAGES is set, the machine
+// says that it has so many.
 #include <dlfcn.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <cstddef>
@@ -46,6 +48,13 @@ void* calloc(std::size_t count, std::size_t bytes) {
 void* __libc_realloc(void* block, std::size_t bytes);
 void* realloc(void* block, std::size_t bytes) {
   return refused() ? nullptr : __libc_realloc(block, bytes);
+}
+
+long sysconf(int name) noexcept {
+  const char* const pages = std::getenv("PHYSICAL_PAGES");
+  if (name == _SC_PHYS_PAGES && pages != nullptr) return std::atol(pages);
+  using sysconf_function = long (*)(int);
+  return reinterpret_cast<sysconf_function>(dlsym(RTLD_NEXT, "sysconf"))(name);
 }
 
 int __libc_start_main(main_function program, int argc, char** argv, void (*init)(), void (*fini)(),
