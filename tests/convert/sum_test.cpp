@@ -127,6 +127,15 @@ TEST(Sum, OfMatricesWithoutRowsHasNoRowsAndOneRowStart) {
   EXPECT_EQ(mat3.ia(1), 1);
 }
 
+TEST(Sum, OfRecordsThatHaveNothingYetReadsNothing) {
+  csr_matrix mat;
+  mat.m = 4;
+  csr_matrix mat3;
+  EXPECT_EQ(observe([&] { csr_matrix_sum(mat, mat, mat3); }).output, tests::no_entries_warning);
+  EXPECT_EQ(mat3.n, 0);
+  EXPECT_EQ(mat3.m, 4);
+}
+
 TEST(Sum, OfMatricesWithoutColumnsHasEmptyRows) {
   const csr_matrix mat = real_matrix(0, {{}, {}});
   csr_matrix mat3;

@@ -100,6 +100,14 @@ TEST(Dump, WritesRecordsOfNothingForAMatrixWithoutEntries) {
                 bytes_of(0, 0));
 }
 
+// There is no row start then that would tell the number of entries.
+TEST(Dump, WritesNoRowStartsOfAMatrixOfMinus1Rows) {
+  csr_matrix mat;
+  csr_matrix_initial(-1, mat, 2);
+  EXPECT_EQ(dumped(mat, "unformatted"), bytes_of(4, 0, 4) + bytes_of(8, -1, 2, 8) + bytes_of(0, 0) +
+                                            bytes_of(0, 0) + bytes_of(0, 0));
+}
+
 TEST(Dump, IgnoresBlanksBehindAWord) {
   EXPECT_EQ(dumped(sample(), "unformatted   "), dumped(sample(), "unformatted"));
   EXPECT_EQ(dumped(sample(), "ij "), dumped(sample(), "ij"));
