@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Sizes next to the largest integer. Storage of that many elements is refused, but asked for in
 // full: a size that had wrapped around would be granted.
+#include "../../src/support/scratch.hpp"
 #include "../support/files.hpp"
 #include "../support/matrices.hpp"
 #include "requests.hpp"
@@ -46,6 +47,22 @@ TEST(TheLargestNumberOfRows, AsksForOneRowStartMore) {
   const csr_matrix one = tests::real_matrix(1, {{{1, 2.0}}});
   expect_refused(stopped([&] { csr_matrix_transpose(one, mat, largest); }),
                  "allocation error in csr_matrix_initial", columns_in_bytes + 4);
+}
+
+// 2^62 integers take 2^64 bytes, a number that a size of 64 bits takes for 0.
+TEST(MoreBytesThanASizeTells, AreRefused) {
+  constexpr std::int64_t elements = std::int64_t{1} << 62;
+  constexpr std::size_t most = std::numeric_limits<std::size_t>::max();
+  for (const contents initial : {contents::undefined, contents::zero})
+    expect_refused(stopped([&] { scratch<std::int32_t>(elements, initial, "routine"); }),
+                   "allocation error in routine", most);
+  array_ref<std::int32_t> array;
+  ASSERT_TRUE(array.allocate(3));
+  expect_refused(stopped([&] {
+                   if (!detail::storage_access::resize(array, elements)) stop("refused");
+                 }),
+                 "refused", most);
+  EXPECT_EQ(array.length(), 3);
 }
 
 TEST(TheLargestNumberOfEntries, AsksForAllOfThem) {

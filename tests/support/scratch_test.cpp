@@ -56,18 +56,6 @@ TEST(Scratch, OfNegativeLengthHasLength0) {
   }
 }
 
-// Four bytes each make 2^64 bytes of them, of which a size shows none.
-TEST(Scratch, IsRefusedWhereNoSizeTellsItsBytes) {
-  constexpr std::int64_t elements = std::int64_t{1} << 62;
-  scratch<std::int32_t> work;
-  for (const contents initial : {contents::undefined, contents::zero})
-    EXPECT_FALSE(work.allocate(elements, initial));
-  array_ref<std::int32_t> array;
-  ASSERT_TRUE(array.allocate(3));
-  EXPECT_FALSE(detail::storage_access::resize(array, elements));
-  EXPECT_EQ(array.length(), 3);
-}
-
 TEST(Scratch, StopsWithTheNameOfItsRoutineWhenThereIsNoStorage) {
   for (const contents initial : {contents::undefined, contents::zero, contents::filled_with_zero}) {
     const tests::refuse_allocation refused(0);
