@@ -5,6 +5,7 @@
 #include "files.hpp"
 #include "hierarchy.hpp"
 #include "limits.hpp"
+#include "whole_number.hpp"
 
 #include <unistd.h>
 #include <csr_matrix_mod/csr_matrix_mod.hpp>

@@ -4,6 +4,7 @@
 #include "command.hpp"
 #include "failure.hpp"
 #include "files.hpp"
+#include "whole_number.hpp"
 
 #include <limits>
 #include <memory>
